@@ -1,0 +1,41 @@
+#pragma once
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+// Helpers shared by the figure programs: each program prints one row per figure,
+// "NAME VALUE UNIT TARGET ok|MISS", which bench/report collects.
+namespace bench {
+
+inline double secondsOf(const std::function<void()>& work) {
+    auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+inline double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    size_t n = values.size();
+    if (n == 0)
+        return 0.0;
+    return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2.0;
+}
+
+// A figure with a target that it must not exceed.
+inline bool printRow(const std::string& name, double value, const std::string& unit,
+                     double maxTarget) {
+    bool ok = value <= maxTarget;
+    std::printf("%s %.3f %s <=%g %s\n", name.c_str(), value, unit.c_str(), maxTarget,
+                ok ? "ok" : "MISS");
+    return ok;
+}
+
+// A figure shown for information, without a target.
+inline void printInfoRow(const std::string& name, double value, const std::string& unit) {
+    std::printf("%s %.3f %s - info\n", name.c_str(), value, unit.c_str());
+}
+
+} // namespace bench

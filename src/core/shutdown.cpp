@@ -1,0 +1,17 @@
+#include "core/shutdown.h"
+
+#include "core/playerState.h"
+#include "gamelink/commandFile.h"
+#include "input/controllers.h"
+#include "library/favorites.h"
+#include "platform/platform.h"
+
+void shutdown(PlayerState& st) {
+    platform::killTimer(platform::timerRepaint);
+    platform::killTimer(platform::timerVolumeLatch);
+    platform::killTimer(platform::timerPoll);
+    closeControllers(st);
+    rebuildFavorites(st);
+    if (!st.marbleTunnelPath.empty())
+        writeMusicRunning(st, "no");
+}

@@ -1,0 +1,164 @@
+#include "core/startup.h"
+
+#include "core/log.h"
+#include "core/paths.h"
+#include "core/playerState.h"
+#include "display/textures.h"
+#include "gamelink/commandFile.h"
+#include "input/controllers.h"
+#include "input/hotkeys.h"
+#include "library/cache.h"
+#include "library/favorites.h"
+#include "library/history.h"
+#include "library/model.h"
+#include "library/rebuild.h"
+#include "library/scan.h"
+#include "library/stations.h"
+#include "platform/platform.h"
+#include "playback/audioSetup.h"
+#include "playback/loading.h"
+#include "playback/soundfonts.h"
+#include "settings/configFile.h"
+#include "settings/exchangeFiles.h"
+#include "settings/musicSettings.h"
+#include "update/versionCheck.h"
+
+#include <filesystem>
+#include <random>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Files of the data folder are tried there first, then under their bare name.
+template <typename Load> void loadFromDataOrBare(PlayerState& st, const char* name, Load load) {
+    if (!load(st, joinPath(st.dataDirectory, std::string("/") + name)))
+        load(st, name);
+}
+
+void loadKeyBindings(PlayerState& st) {
+    loadFromDataOrBare(st, "hotkeyConfig.json", loadHotkeys);
+}
+
+void countScannedLibrary(PlayerState& st) {
+    st.scanSongCount = 0;
+    for (const Playlist& playlist : st.playlists)
+        st.scanSongCount += static_cast<int>(playlist.songs.size());
+    st.scanPlaylistCount = static_cast<int>(st.playlists.size());
+}
+
+// A first start, or a user without root folders: the game's three music folders, and the
+// default folder when they hold nothing.
+void buildFirstLibrary(PlayerState& st) {
+    for (const char* folder :
+         {"/HarpTone/MIDI Songs", "/HarpTone/Mp3 Songs", "/HarpTone/Tracker Songs"})
+        st.directoryPaths.push_back(joinPath(st.marbleTunnelPath, folder));
+    rebuildLibrary(st);
+    recountLibrary(st);
+    if (st.totalSongCount <= 0) {
+        st.directoryPaths.clear();
+        scanDefaultFolder(st);
+    }
+    applyFavorites(st, st.favorites);
+    recountLibrary(st);
+    st.rawMIDI = 50;
+    st.rawTracker = 50;
+    st.rawRadio = 20;
+    st.rawMP3 = 50;
+}
+
+} // namespace
+
+void buildListEntries(PlayerState& st) {
+    st.listEntries.assign(st.builtInStationNames.begin(), st.builtInStationNames.end());
+    for (const RadioStation& station : st.radioStations)
+        st.listEntries.push_back(station.name);
+    for (const Playlist& playlist : st.playlists) {
+        if (playlist.songs.empty()) {
+            st.listEntries.push_back(titleCaseFolder(playlist.albumName));
+            continue;
+        }
+        const Song& first = playlist.songs.front();
+        st.listEntries.push_back(displayPath(st, first.songPath, first.musicType));
+    }
+}
+
+std::string parentOfPath(const std::string& path) {
+    fs::path p(path);
+    if (p.has_filename())
+        return p.parent_path().string();
+    // "/music/" names the folder music, whose parent is "/".
+    return p.parent_path().parent_path().string();
+}
+
+std::string parentOfCurrentDirectory() {
+    std::error_code ec;
+    return parentOfPath(fs::current_path(ec).string());
+}
+
+void onMainWindowCreated(PlayerState& st) {
+    if (st.versionCheck)
+        runStartupVersionCheck(st);
+}
+
+void runEarlyStartup(PlayerState& st) {
+    st.rand15.seed(std::random_device{}());
+    std::error_code ec;
+    st.dataDirectory = fs::current_path(ec).string();
+    loadKeyBindings(st);
+    registerHotkeys(st);
+    loadStartupTextures(st);
+    openControllers(st);
+}
+
+void runStartupSequence(PlayerState& st) {
+    st.libraryCachePath = joinPath(st.dataDirectory, "/musicLibraryCache.json");
+    loadFromDataOrBare(st, "InternetStations.json", loadStations);
+    st.stationCount = static_cast<int>(st.radioStations.size());
+    loadAudioPlugins(st);
+    initAudioAtStartup(st);
+
+    st.playlists = loadLibraryCache(st);
+    recountLibrary(st);
+    if (st.totalSongCount <= 0)
+        scanDefaultFolder(st);
+    countScannedLibrary(st);
+    setUpSoundFonts(st);
+
+    loadFromDataOrBare(st, "MusicSettings.json", loadMusicSettings);
+    loadColorsAtStartup(st);
+    st.marbleTunnelPath = parentOfCurrentDirectory();
+    logOut("Current directory: %s\n", st.marbleTunnelPath.c_str());
+    if (st.directoryPaths.empty())
+        buildFirstLibrary(st);
+
+    if (!st.marbleTunnelPath.empty())
+        writeMusicRunning(st, "yes");
+    if (st.directoryPaths.empty())
+        st.hasMusicFolders = false;
+    loadNamedTextures(st);
+    if (st.randomColorPlayer != 0)
+        applyRandomColorScheme(st);
+
+    st.appliedVolume = st.volume;
+    recountLibrary(st);
+    buildListEntries(st);
+    loadKeyBindings(st);
+    if (st.totalSongCount <= 0)
+        return;
+
+    if (st.hasMusicFolders) {
+        loadSongHistory(st, joinPath(st.dataDirectory, "/Song History.json"));
+        st.historyEnd = st.historyPosition = static_cast<int>(st.songHistory.size());
+    }
+    startPlayback(st);
+    if (!st.marbleTunnelPath.empty())
+        exportForGame(st);
+}
+
+void startMainTimers() {
+    platform::setTimer(platform::timerRepaint, 250);
+    platform::setTimer(platform::timerVolumeLatch, 100);
+    platform::setTimer(platform::timerPoll, 30);
+    platform::setTimer(platform::timerStationTags, 5000);
+}

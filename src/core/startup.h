@@ -1,0 +1,20 @@
+#pragma once
+#include <string>
+
+struct PlayerState;
+
+// The default game folder: the parent of the current directory; the root stays the root.
+std::string parentOfCurrentDirectory();
+std::string parentOfPath(const std::string& path);
+
+// While the main window is being created, before anything is loaded: the version check.
+void onMainWindowCreated(PlayerState& st);
+// From the seeding of rand() to the game controllers, once the window exists.
+void runEarlyStartup(PlayerState& st);
+// From the library cache to the first song and the game's exchange files. Runs once, with the
+// main window created and still invisible.
+void runStartupSequence(PlayerState& st);
+// The rows of the list page: the built-in stations, the stations, then one row per playlist.
+void buildListEntries(PlayerState& st);
+// The four periodic timers of the main window, in their order.
+void startMainTimers();

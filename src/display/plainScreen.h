@@ -1,0 +1,8 @@
+#pragma once
+
+class Canvas;
+struct PlayerState;
+
+// The window until the painted player screen exists: the background, an LCD strip, the
+// headline and the title of the song on show.
+void paintPlainScreen(PlayerState& st, Canvas& canvas);

@@ -1,0 +1,253 @@
+#include "library/model.h"
+
+#include "core/playerState.h"
+
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// Byte-wise and ASCII only, so that the bytes of a UTF-8 name pass unchanged whatever the locale.
+char upperAscii(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+}
+bool isUpperAscii(char c) {
+    return c >= 'A' && c <= 'Z';
+}
+
+constexpr std::array<std::pair<std::string_view, MusicType>, 10> extensionTable{{
+    {".midi", musicTypeMidi},
+    {".mid", musicTypeMidi},
+    {".mp3", musicTypeMp3},
+    {".m4a", musicTypeMp3},
+    {".flac", musicTypeMp3},
+    {".mod", musicTypeTracker},
+    {".xm", musicTypeTracker},
+    {".s3m", musicTypeTracker},
+    {".it", musicTypeTracker},
+    {".mtm", musicTypeTracker},
+}};
+
+std::string familyWord(const PlayerState& st, MusicType type) {
+    switch (type) {
+    case musicTypeMidi:
+        return "MIDI";
+    case musicTypeMp3:
+        return "MP3";
+    case musicTypeTracker:
+        return "Tracker";
+    case musicTypeStation:
+        return st.stationName;
+    default:
+        return "Unknown Music Type";
+    }
+}
+
+// The folders and the file name of a path below its root, "\" taken as "/" too.
+std::vector<std::string_view> pathPieces(std::string_view rest, std::string& buffer) {
+    buffer.assign(rest);
+    for (char& c : buffer)
+        if (c == '\\')
+            c = '/';
+    std::vector<std::string_view> pieces;
+    std::string_view all = buffer;
+    size_t start = 0;
+    while (start <= all.size()) {
+        size_t slash = all.find('/', start);
+        if (slash == std::string_view::npos)
+            slash = all.size();
+        if (slash > start)
+            pieces.push_back(all.substr(start, slash - start));
+        start = slash + 1;
+    }
+    return pieces;
+}
+
+void setHeadline(PlayerState& st, const std::string& folderTitle) {
+    switch (st.stationMode) {
+    case 0:
+        st.lcdTitle = folderTitle;
+        break;
+    case 1:
+        st.lcdTitle = "Marble Tunnel Radio";
+        break;
+    case 2:
+        st.lcdTitle = "Marble Tunnel: Top 40: All Hits, All the Time";
+        break;
+    case 3:
+        st.lcdTitle = "Marble Tunnel: Undiscovered Tracks";
+        break;
+    case 4:
+        st.lcdTitle = st.stationName;
+        break;
+    default:
+        break;
+    }
+    if (st.lcdTitle.size() > 255)
+        st.lcdTitle.resize(255);
+}
+
+} // namespace
+
+MusicType classifyExtension(std::string_view extension) {
+    for (const auto& [text, type] : extensionTable)
+        if (extension == text)
+            return type;
+    return musicTypeUnknown;
+}
+
+std::string extensionOf(std::string_view path) {
+    size_t dot = path.rfind('.');
+    if (dot == std::string_view::npos)
+        return {};
+    return std::string(path.substr(dot));
+}
+
+int favoriteSongTypeOf(MusicType type) {
+    switch (type) {
+    case musicTypeMidi:
+        return 1;
+    case musicTypeMp3:
+        return 3;
+    case musicTypeTracker:
+        return 4;
+    default:
+        return 0;
+    }
+}
+
+void recountLibrary(PlayerState& st) {
+    st.stationCount = static_cast<int>(st.radioStations.size());
+    st.midiSongCount = 0;
+    st.mp3SongCount = 0;
+    st.trackerSongCount = 0;
+    st.totalSongCount = 0;
+    st.favoriteSongCount = 0;
+    for (const Playlist& playlist : st.playlists) {
+        for (const Song& song : playlist.songs) {
+            switch (song.musicType) {
+            case musicTypeMidi:
+                ++st.midiSongCount;
+                ++st.totalSongCount;
+                break;
+            case musicTypeMp3:
+                ++st.mp3SongCount;
+                ++st.totalSongCount;
+                break;
+            case musicTypeTracker:
+                ++st.trackerSongCount;
+                ++st.totalSongCount;
+                break;
+            default:
+                break;
+            }
+            if (song.favoriteCount >= 1)
+                ++st.favoriteSongCount;
+        }
+    }
+    st.playlistCount = static_cast<int>(st.playlists.size());
+    // A family with nothing to play must not be drawn; the zero is saved with the settings.
+    if (st.favoriteSongCount < 1)
+        st.rawFav = 0;
+    if (st.mp3SongCount < 1)
+        st.rawMP3 = 0;
+    if (st.midiSongCount < 1)
+        st.rawMIDI = 0;
+    if (st.trackerSongCount < 1)
+        st.rawTracker = 0;
+    if (st.stationCount < 1)
+        st.rawRadio = 0;
+}
+
+std::string titleCaseFolder(std::string_view name) {
+    std::string result;
+    result.reserve(name.size());
+    bool capitalise = true;
+    for (char c : name) {
+        if (c == '_' || c == '.') {
+            result += ' ';
+            capitalise = true;
+        } else if (capitalise) {
+            result += upperAscii(c);
+            capitalise = false;
+        } else {
+            result += c;
+        }
+    }
+    return result;
+}
+
+std::string titleFromPath(std::string_view path) {
+    size_t separator = path.find_last_of("\\/");
+    std::string_view name = separator == std::string_view::npos ? path : path.substr(separator + 1);
+    size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos)
+        return {};
+    std::string_view stem = name.substr(0, dot);
+
+    // A capital written just below the limit adds a blank too, so a title reaches 254 bytes.
+    constexpr size_t limit = 253;
+    std::string title;
+    bool capitalise = true;
+    for (char c : stem) {
+        if (title.size() >= limit)
+            break;
+        if (capitalise) {
+            title += upperAscii(c);
+            capitalise = false;
+        } else if (c == '_') {
+            title += ' ';
+            capitalise = true;
+        } else if (isUpperAscii(c)) {
+            title += ' ';
+            title += c;
+        } else {
+            title += c;
+        }
+    }
+    return title;
+}
+
+std::string displayPath(PlayerState& st, std::string_view songPath, MusicType musicType) {
+    if (st.directoryPaths.empty() && !st.onStation) {
+        st.lcdTitle = "Marble Tunnel Radio: No Music Directory";
+        return "Marble Tunnel Radio: Add your music directories";
+    }
+    std::string_view rest = songPath;
+    for (const std::string& root : st.directoryPaths) {
+        if (rest.starts_with(root)) {
+            rest.remove_prefix(root.size());
+            break;
+        }
+    }
+    std::string buffer;
+    std::vector<std::string_view> pieces = pathPieces(rest, buffer);
+
+    std::string line = familyWord(st, musicType);
+    if (st.stationMode == 4 || musicType == musicTypeStation)
+        line += " > " + st.stationGenre;
+    if (!st.onStation && st.totalSongCount < 1)
+        return line;
+    if (pieces.size() <= 1)
+        return line;
+
+    for (size_t i = 0; i + 1 < pieces.size(); ++i) {
+        std::string piece(pieces[i]);
+        if (musicType != musicTypeStation) {
+            piece = titleCaseFolder(piece);
+            if (i == 0)
+                st.currentFolderTitle = piece;
+            line += " > " + piece;
+        }
+        if (i == 0)
+            setHeadline(st, piece);
+    }
+    return line;
+}
+
+void appendHistory(PlayerState& st, int songType, int songIndex, int plistIndex) {
+    st.songHistory.push_back({songType, songIndex, plistIndex});
+    st.historyPosition = st.historyEnd;
+    st.historyEnd += 1;
+}

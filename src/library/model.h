@@ -1,0 +1,28 @@
+#pragma once
+#include "library/records.h"
+
+#include <string>
+#include <string_view>
+
+struct PlayerState;
+
+// The family of an extension given with its dot, compared exactly (".MP3" is unknown).
+MusicType classifyExtension(std::string_view extension);
+// From the last "." of the whole path to the end, dot included; empty when there is none.
+std::string extensionOf(std::string_view path);
+// The favourites' numbering of a family: 1 MIDI, 3 MP3, 4 Tracker, 0 anything else.
+int favoriteSongTypeOf(MusicType type);
+
+// Recomputes the counters from the library and zeroes the ratio of every empty family.
+void recountLibrary(PlayerState& st);
+
+// "my_old.songs" -> "My Old Songs"; a blank does not start a new word.
+std::string titleCaseFolder(std::string_view name);
+// "my_oldSong.mid" -> "My Old Song"; at most 254 bytes.
+std::string titleFromPath(std::string_view path);
+// The path line of the player screen, "MP3 > Rock > Old Hits"; also sets lcdTitle and
+// currentFolderTitle.
+std::string displayPath(PlayerState& st, std::string_view songPath, MusicType musicType);
+
+// Appends a history row and makes it the one that plays.
+void appendHistory(PlayerState& st, int songType, int songIndex, int plistIndex);

@@ -1,0 +1,39 @@
+#include "platform/platform.h"
+
+#include "core/log.h"
+
+namespace platform {
+namespace {
+// The window system is one per process, like the process's own display connection.
+Backend* installed = nullptr;
+} // namespace
+
+Backend* installBackend(Backend* backend) {
+    Backend* previous = installed;
+    installed = backend;
+    return previous;
+}
+
+void setTimer(int id, int milliseconds) {
+    if (installed)
+        installed->setTimer(id, milliseconds);
+}
+
+void killTimer(int id) {
+    if (installed)
+        installed->killTimer(id);
+}
+
+void invalidate(const Rect* rect, bool erase) {
+    if (installed)
+        installed->invalidate(rect, erase);
+}
+
+void messageBox(const std::string& text, const std::string& title, Icon icon, bool owned) {
+    if (installed)
+        installed->messageBox(text, title, icon, owned);
+    else
+        logErr("%s: %s\n", title.c_str(), text.c_str());
+}
+
+} // namespace platform

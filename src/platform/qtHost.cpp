@@ -1,0 +1,179 @@
+#include "platform/qtHost.h"
+
+#include "core/log.h"
+#include "core/playerState.h"
+#include "core/shutdown.h"
+#include "core/startup.h"
+#include "core/windowEvents.h"
+#include "platform/qtCanvas.h"
+#include "platform/qtSignals.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTimer>
+#include <clocale>
+#include <cstdlib>
+
+namespace {
+
+constexpr int gridWidth = 500;
+constexpr int gridHeight = 155;
+
+bool onOffscreenPlatform() {
+    return QGuiApplication::platformName() == "offscreen";
+}
+
+// Drawn rather than loaded, so there is no resource that can go missing.
+QIcon makeAppIcon() {
+    QPixmap pixmap(32, 32);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setBrush(QColor(35, 35, 35));
+    p.setPen(Qt::NoPen);
+    p.drawRoundedRect(1, 6, 30, 22, 4, 4);
+    p.setBrush(QColor(120, 200, 120));
+    p.drawRect(5, 10, 14, 8);
+    p.setBrush(QColor(220, 220, 220));
+    p.drawEllipse(QPoint(24, 20), 4, 4);
+    return QIcon(pixmap);
+}
+
+// Menus arrive with the command table; the client area keeps its full height until then.
+void createMenus(MainWindow&) {}
+
+} // namespace
+
+ScreenWidget::ScreenWidget(PlayerState& st, QWidget* parent) : QWidget(parent), st_(st) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void ScreenWidget::paintEvent(QPaintEvent*) {
+    if (backBuffer_.size() != size())
+        backBuffer_ = QImage(size(), QImage::Format_RGB32);
+    st_.backBufferDC = &backBuffer_;
+    {
+        QPainter painter(&backBuffer_);
+        QtCanvas canvas(painter, width(), height());
+        onPaint(st_, canvas);
+    }
+    QPainter(this).drawImage(0, 0, backBuffer_);
+}
+
+void ScreenWidget::mousePressEvent(QMouseEvent* event) {
+    QPoint at = event->position().toPoint();
+    if (event->button() == Qt::LeftButton)
+        onLeftPress(st_, at.x(), at.y());
+    if (event->button() == Qt::RightButton)
+        onRightPress(st_, at.x(), at.y());
+}
+
+void ScreenWidget::resizeEvent(QResizeEvent*) {
+    onResize(st_, width(), height());
+}
+
+MainWindow::MainWindow(PlayerState& st) : st_(st), screen_(new ScreenWidget(st, this)) {
+    setWindowTitle("Marble Tunnel Radio");
+    setCentralWidget(screen_);
+    resize(gridWidth, gridHeight);
+    st.mainWindow = this;
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!shutDown_) {
+        shutDown_ = true;
+        shutdown(st_);
+        for (int id : {platform::timerRepaint, platform::timerVolumeLatch, platform::timerPoll,
+                       platform::timerStationTags})
+            platform::killTimer(id);
+    }
+    event->accept();
+    QCoreApplication::exit(0);
+}
+
+QtBackend::QtBackend(PlayerState& st, MainWindow& window)
+    : st_(st), window_(window), previous_(platform::installBackend(this)) {}
+
+QtBackend::~QtBackend() {
+    platform::installBackend(previous_);
+}
+
+void QtBackend::setTimer(int id, int milliseconds) {
+    std::unique_ptr<QTimer>& timer = timers_[id];
+    if (!timer) {
+        timer = std::make_unique<QTimer>();
+        QObject::connect(timer.get(), &QTimer::timeout, [this, id] { onTimer(st_, id); });
+    }
+    timer->start(milliseconds);
+}
+
+void QtBackend::killTimer(int id) {
+    auto it = timers_.find(id);
+    if (it != timers_.end())
+        it->second->stop();
+}
+
+void QtBackend::invalidate(const platform::Rect* rect, bool) {
+    if (rect)
+        window_.screen()->update(
+            QRect(QPoint(rect->left, rect->top), QPoint(rect->right - 1, rect->bottom - 1)));
+    else
+        window_.screen()->update();
+}
+
+void QtBackend::messageBox(const std::string& text, const std::string& title, platform::Icon icon,
+                           bool owned) {
+    // Nobody could press OK on a window that is never shown.
+    if (onOffscreenPlatform()) {
+        logErr("%s: %s\n", title.c_str(), text.c_str());
+        return;
+    }
+    QMessageBox::Icon qtIcon = QMessageBox::NoIcon;
+    if (icon == platform::Icon::Error)
+        qtIcon = QMessageBox::Critical;
+    if (icon == platform::Icon::Warning)
+        qtIcon = QMessageBox::Warning;
+    if (icon == platform::Icon::Information)
+        qtIcon = QMessageBox::Information;
+    QMessageBox box(qtIcon, QString::fromStdString(title), QString::fromStdString(text),
+                    QMessageBox::Ok, owned ? &window_ : nullptr);
+    box.exec();
+}
+
+int runPlayer(int argc, char** argv) {
+    const bool platformChosen = std::getenv("QT_QPA_PLATFORM") != nullptr;
+    if (!platformChosen && !std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY")) {
+        logErr("Could not create the main window: no display (QT_QPA_PLATFORM=offscreen runs "
+               "without one).\n");
+        return -1;
+    }
+    QApplication app(argc, argv);
+    // Qt applies the user's locale, and "%.1f" would then print "88,7" in some sessions.
+    std::setlocale(LC_NUMERIC, "C");
+
+    auto st = std::make_unique<PlayerState>();
+    st->instanceHandle = &app;
+    MainWindow window(*st);
+    QtBackend backend(*st, window);
+    onMainWindowCreated(*st);
+    QIcon icon = makeAppIcon();
+    if (icon.isNull())
+        platform::messageBox("Could not load icon!", "Error", platform::Icon::Error, true);
+    window.setWindowIcon(icon);
+    st->appIcon = &icon;
+    onResize(*st, gridWidth, gridHeight);
+    if (!window.winId())
+        return -1;
+    closeWindowOnQuitSignals(&window);
+
+    runEarlyStartup(*st);
+    runStartupSequence(*st);
+    window.setWindowOpacity((st->windowAlpha & 0xff) / 255.0);
+    startMainTimers();
+    createMenus(window);
+    window.show();
+    return app.exec();
+}

@@ -1,0 +1,67 @@
+#pragma once
+#include "platform/platform.h"
+
+#include <QImage>
+#include <QMainWindow>
+#include <map>
+#include <memory>
+
+struct PlayerState;
+class QTimer;
+
+// The central widget: the player's client area. Paint, presses and size go to the logic; the
+// paint pass composes the whole window into the back buffer, which is then copied out.
+class ScreenWidget : public QWidget {
+  public:
+    ScreenWidget(PlayerState& st, QWidget* parent);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    PlayerState& st_;
+    QImage backBuffer_;
+};
+
+// The player's main window. Closing it, by its frame or by a quit signal, shuts the player down
+// once and ends the event loop with code 0.
+class MainWindow : public QMainWindow {
+  public:
+    explicit MainWindow(PlayerState& st);
+    ScreenWidget* screen() const { return screen_; }
+    bool hasShutDown() const { return shutDown_; }
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    PlayerState& st_;
+    ScreenWidget* screen_;
+    bool shutDown_ = false;
+};
+
+// The window system as the logic sees it: timers by id, repaint requests, message boxes.
+class QtBackend : public platform::Backend {
+  public:
+    QtBackend(PlayerState& st, MainWindow& window);
+    ~QtBackend() override;
+    QtBackend(const QtBackend&) = delete;
+    QtBackend& operator=(const QtBackend&) = delete;
+
+    void setTimer(int id, int milliseconds) override;
+    void killTimer(int id) override;
+    void invalidate(const platform::Rect* rect, bool erase) override;
+    void messageBox(const std::string& text, const std::string& title, platform::Icon icon,
+                    bool owned) override;
+
+  private:
+    PlayerState& st_;
+    MainWindow& window_;
+    std::map<int, std::unique_ptr<QTimer>> timers_;
+    platform::Backend* previous_;
+};
+
+// The entry point of the player: returns the exit code, -1 when the window cannot be made.
+int runPlayer(int argc, char** argv);

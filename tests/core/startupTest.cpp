@@ -1,0 +1,148 @@
+#include "core/startup.h"
+
+#include "core/paths.h"
+#include "core/playerState.h"
+#include "library/model.h"
+#include "support/currentDirectory.h"
+#include "support/recordingPlatform.h"
+#include "support/tempDir.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// A game folder with the player's data folder inside it, as the player is installed.
+struct GameFolder {
+    TempDir root;
+    std::string game = root.mkdir("game").string();
+    std::string data = root.mkdir("game/data").string();
+
+    void add(const std::string& relative) const { root.write("game/" + relative, "x"); }
+};
+
+// Runs the start-up in the data folder, the way the entry point does, and keeps its output.
+struct StartedPlayer {
+    PlayerState st;
+    RecordingPlatform platform;
+    std::string output;
+
+    explicit StartedPlayer(const GameFolder& folder) {
+        ScopedCurrentDirectory cwd(folder.data);
+        st.dataDirectory = folder.data;
+        st.familyRng.seed(1);
+        st.selectionRng.seed(2);
+        st.rand15.seed(3);
+        testing::internal::CaptureStdout();
+        runStartupSequence(st);
+        output = testing::internal::GetCapturedStdout();
+    }
+};
+
+TEST(GameFolderPath, IsTheParentOfTheCurrentDirectoryAndTheRootStaysTheRoot) {
+    EXPECT_EQ(parentOfPath("/home/ann/game/data"), "/home/ann/game");
+    EXPECT_EQ(parentOfPath("/home/ann/game/data/"), "/home/ann/game");
+    EXPECT_EQ(parentOfPath("/data"), "/");
+    EXPECT_EQ(parentOfPath("/"), "/");
+    EXPECT_EQ(joinPath("/", "/HarpTone/SoundFonts"), "/HarpTone/SoundFonts");
+    EXPECT_EQ(joinPath("/games/mt", "/HarpTone/SoundFonts"), "/games/mt/HarpTone/SoundFonts");
+}
+
+TEST(StartupPaths, WithNoMusicAnywhereNothingPlaysAndTheListHoldsOnlyTheBuiltInStations) {
+    GameFolder folder;
+    StartedPlayer player(folder);
+    const PlayerState& st = player.st;
+
+    EXPECT_EQ(st.totalSongCount, 0);
+    EXPECT_TRUE(st.playlists.empty());
+    EXPECT_TRUE(st.directoryPaths.empty());
+    EXPECT_FALSE(st.hasMusicFolders);
+    EXPECT_TRUE(st.songHistory.empty());
+    EXPECT_TRUE(st.songFilePath.empty());
+    EXPECT_EQ(st.marbleTunnelPath, folder.game);
+    EXPECT_EQ(st.libraryCachePath, folder.data + "/musicLibraryCache.json");
+    EXPECT_EQ(st.listEntries.size(), 3u);
+    EXPECT_NE(player.output.find("Current directory: " + folder.game + "\n"), std::string::npos);
+    EXPECT_TRUE(player.platform.boxes.empty());
+}
+
+TEST(StartupPaths, SongsOnlyInTheDefaultFolderAreScannedWithoutBecomingARoot) {
+    GameFolder folder;
+    folder.add("data/Music/Road_trip/a.mid");
+    folder.add("data/Music/Road_trip/cd2/b.MP3");
+    StartedPlayer player(folder);
+    const PlayerState& st = player.st;
+
+    ASSERT_EQ(st.playlists.size(), 1u);
+    EXPECT_EQ(st.playlists[0].albumName, "Road_trip");
+    EXPECT_EQ(st.totalSongCount, 2);
+    EXPECT_EQ(st.scanSongCount, 2);
+    EXPECT_TRUE(st.directoryPaths.empty());
+    EXPECT_FALSE(st.hasMusicFolders);
+    ASSERT_EQ(st.songHistory.size(), 1u);
+    EXPECT_EQ(st.historyEnd, 1);
+    EXPECT_EQ(st.historyPosition, 0);
+    EXPECT_EQ(st.songFilePath.rfind(folder.data + "/Music/Road_trip/", 0), 0u);
+    EXPECT_NE(player.output.find("Drawn song: " + st.songFilePath + "\n"), std::string::npos);
+    EXPECT_NE(player.output.find("History row 0: "), std::string::npos);
+}
+
+TEST(StartupPaths, AFirstStartEntersTheGamesThreeFoldersAndPlaysFromThem) {
+    GameFolder folder;
+    folder.add("data/Music/Other/w.mp3");
+    folder.add("HarpTone/MIDI Songs/Marches/x.mid");
+    folder.add("HarpTone/Mp3 Songs/Live_set/y.flac");
+    folder.add("HarpTone/Tracker Songs/Chip/z.xm");
+    StartedPlayer player(folder);
+    const PlayerState& st = player.st;
+
+    std::vector<std::string> roots = {folder.game + "/HarpTone/MIDI Songs",
+                                      folder.game + "/HarpTone/Mp3 Songs",
+                                      folder.game + "/HarpTone/Tracker Songs"};
+    EXPECT_EQ(st.directoryPaths, roots);
+    EXPECT_TRUE(st.hasMusicFolders);
+    ASSERT_EQ(st.playlists.size(), 3u);
+    EXPECT_EQ(st.playlists[0].albumName, "Marches");
+    EXPECT_EQ(st.playlists[2].albumName, "Chip");
+    EXPECT_EQ(st.totalSongCount, 3);
+    // The first-start ratios, then the recount silences what has nothing to offer.
+    EXPECT_EQ(st.rawMIDI, 50);
+    EXPECT_EQ(st.rawMP3, 50);
+    EXPECT_EQ(st.rawTracker, 50);
+    EXPECT_EQ(st.rawRadio, 0);
+    EXPECT_EQ(st.rawFav, 0);
+    std::vector<std::string> list = {st.builtInStationNames[0], st.builtInStationNames[1],
+                                     st.builtInStationNames[2], "MIDI > Marches",
+                                     "MP3 > Live Set",          "Tracker > Chip"};
+    EXPECT_EQ(st.listEntries, list);
+    ASSERT_EQ(st.songHistory.size(), 1u);
+    const HistoryEntry& row = st.songHistory[0];
+    EXPECT_EQ(st.playlists[row.plistIndex].songs[row.songIndex].musicType, row.songType);
+    EXPECT_EQ(st.currentMusicType, row.songType);
+}
+
+TEST(StartupList, APlaylistWithoutSongsShowsItsFolderNameAndReadsNothingPastItsEnd) {
+    PlayerState st;
+    // A cache of an earlier run can hold a playlist whose songs are gone.
+    st.directoryPaths = {"/music"};
+    st.playlists.push_back(Playlist{"empty_album", {}, 0, 0, 0, 0});
+    st.playlists.push_back(Playlist{"Rock", {Song{"/music/Rock/old_hits/a.mp3", 0, 0, 0, 1}}, 1});
+    st.radioStations.push_back(RadioStation{"Jazz FM", "http://127.0.0.1/jazz", 0, 0});
+    recountLibrary(st);
+    buildListEntries(st);
+    std::vector<std::string> list = {st.builtInStationNames[0],
+                                     st.builtInStationNames[1],
+                                     st.builtInStationNames[2],
+                                     "Jazz FM",
+                                     "Empty Album",
+                                     "MP3 > Rock > Old Hits"};
+    EXPECT_EQ(st.listEntries, list);
+}
+
+TEST(StartupTimers, StartInTheirOrderWithTheirPeriods) {
+    RecordingPlatform platform;
+    startMainTimers();
+    std::map<int, int> expected = {{1, 250}, {2, 100}, {3, 30}, {4, 5000}};
+    EXPECT_EQ(platform.timers, expected);
+}
+
+} // namespace

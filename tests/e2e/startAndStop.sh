@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# Starts the real player in a fresh game folder and stops it with a signal, as a user would.
+# Usage: startAndStop.sh PLAYER offscreen|xvfb|nodisplay
+set -uo pipefail
+player="$1"
+mode="$2"
+work="$(mktemp -d)"
+trap 'rm -rf "$work"' EXIT
+mkdir -p "$work/game/data/Music/Album" "$work/game/HarpTone/MIDI Songs"
+printf 'x' >"$work/game/data/Music/Album/first_song.mid"
+cd "$work/game/data"
+log="$work/out.log"
+
+fail() { echo "FAIL: $*"; cat "$log"; exit 1; }
+
+# Waits up to 30 s for a line in the player's output.
+waitFor() {
+    for _ in $(seq 300); do
+        grep -q "$1" "$log" && return 0
+        sleep 0.1
+    done
+    return 1
+}
+
+case "$mode" in
+nodisplay)
+    env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$player" >"$log" 2>&1
+    code=$?
+    [ "$code" -eq 255 ] || fail "without a display the exit code is $code, not -1"
+    grep -q "Could not create the main window" "$log" || fail "no line says why"
+    exit 0
+    ;;
+offscreen)
+    QT_QPA_PLATFORM=offscreen SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
+    ;;
+xvfb)
+    command -v xvfb-run >/dev/null || { echo "xvfb-run missing"; exit 77; }
+    xvfb-run -a -s "-screen 0 1024x768x24" bash -c '
+        "$0" & pid=$!
+        for _ in $(seq 300); do
+            xdotool search --name "^Marble Tunnel Radio$" >/dev/null 2>&1 && break
+            sleep 0.1
+        done
+        xdotool search --name "^Marble Tunnel Radio$" >/dev/null 2>&1 && echo "window shown"
+        kill -TERM $pid; wait $pid; echo "exit code $?"' "$player" >"$log" 2>&1
+    grep -q "window shown" "$log" || fail "no window titled Marble Tunnel Radio"
+    grep -q "exit code 0" "$log" || fail "the player did not exit with 0"
+    grep -q "Drawn song: .*first_song.mid" "$log" || fail "no first song was drawn"
+    exit 0
+    ;;
+esac
+pid=$!
+waitFor "History row 0: " || { kill -9 $pid; fail "no history row was logged"; }
+grep -q "Drawn song: $work/game/data/Music/Album/first_song.mid" "$log" || fail "wrong first song"
+kill -INT $pid
+wait $pid
+code=$?
+[ "$code" -eq 0 ] || fail "Ctrl+C ended the player with $code"
+exit 0

@@ -1,0 +1,66 @@
+#include "library/rebuild.h"
+
+#include "core/playerState.h"
+#include "support/tempDir.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+
+std::vector<std::string> albumsOf(const PlayerState& st) {
+    std::vector<std::string> albums;
+    for (const Playlist& playlist : st.playlists)
+        albums.push_back(playlist.albumName);
+    return albums;
+}
+
+} // namespace
+
+class Rebuild : public testing::Test {
+  protected:
+    Rebuild() {
+        // Keep whatever the rebuild saves inside the fixture.
+        st.dataDirectory = dir.str();
+        st.libraryCachePath = (dir.path() / "musicLibraryCache.json").string();
+    }
+    TempDir dir;
+    PlayerState st;
+};
+
+TEST_F(Rebuild, ARootListedTwiceGivesEachPlaylistTwice) {
+    dir.write("music/Rock/a.mp3");
+    dir.write("music/Jazz/b.mid");
+    dir.write("music/Jazz/c.mid");
+    st.playlists.resize(5);
+    st.scanSongCount = 50;
+    st.scanPlaylistCount = 5;
+    st.directoryPaths = {dir.str() + "/music", dir.str() + "/music"};
+    rebuildLibrary(st);
+    EXPECT_EQ(albumsOf(st), (std::vector<std::string>{"Jazz", "Rock", "Jazz", "Rock"}));
+    EXPECT_EQ(st.playlists[0].songs[0].songPath, st.playlists[2].songs[0].songPath);
+    EXPECT_EQ(st.scanSongCount, 6);
+    EXPECT_EQ(st.scanPlaylistCount, 4);
+}
+
+TEST(SoundFonts, OnlyFilesEndingInLowerCaseSf2AreFound) {
+    TempDir dir;
+    for (const char* name : {"b.sf2", "A.sf2", "c.SF2", "d.sf2.txt", ".sf2", "sub/e.sf2"})
+        dir.write(name);
+    dir.mkdir("folder.sf2");
+    std::filesystem::create_symlink(dir.path() / "b.sf2", dir.path() / "linked.sf2");
+    EXPECT_EQ(scanSoundFonts(dir.str()),
+              (std::vector<std::string>{dir.str() + "/A.sf2", dir.str() + "/b.sf2",
+                                        dir.str() + "/linked.sf2"}));
+}
+
+TEST(SoundFonts, AMissingFolderGivesItsMessageAndNoFonts) {
+    TempDir dir;
+    std::string missing = dir.str() + "/SoundFonts";
+    CaptureStderr();
+    EXPECT_TRUE(scanSoundFonts(missing).empty());
+    EXPECT_EQ(GetCapturedStderr(),
+              "Filesystem error: " + missing + ": No such file or directory\n");
+}

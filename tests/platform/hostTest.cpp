@@ -1,0 +1,94 @@
+#include "core/playerState.h"
+#include "platform/qtHost.h"
+#include "platform/qtSignals.h"
+
+#include <QApplication>
+#include <QTimer>
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(MainWindow, HasItsTitleAndAClientAreaOfFiveHundredByOneHundredFiftyFive) {
+    PlayerState st;
+    MainWindow window(st);
+    window.show();
+    EXPECT_EQ(window.windowTitle().toStdString(), "Marble Tunnel Radio");
+    EXPECT_EQ(window.screen()->size(), QSize(500, 155));
+    EXPECT_EQ(st.clientWidth, 500);
+    EXPECT_EQ(st.clientHeight, 155);
+    EXPECT_FLOAT_EQ(st.scaleX, 1.0f);
+}
+
+TEST(MainWindow, PaintsTheBackgroundColourOfTheSettings) {
+    PlayerState st;
+    st.bkGrR = 200;
+    st.bkGrG = 10;
+    st.bkGrB = 30;
+    MainWindow window(st);
+    window.show();
+    QImage shot = window.screen()->grab().toImage();
+    EXPECT_EQ(shot.pixelColor(2, 150), QColor(200, 10, 30));
+}
+
+TEST(MainWindow, ResizingRescalesTheGrid) {
+    PlayerState st;
+    MainWindow window(st);
+    window.show();
+    window.resize(1000, 310);
+    QApplication::processEvents();
+    EXPECT_EQ(st.clientWidth, 1000);
+    EXPECT_FLOAT_EQ(st.scaleX, 2.0f);
+    EXPECT_FLOAT_EQ(st.scaleY, 2.0f);
+}
+
+// Runs the event loop for a while, as the player's loop would turn.
+void turnEventLoop(int milliseconds) {
+    QTimer::singleShot(milliseconds, [] { QApplication::exit(0); });
+    QApplication::exec();
+}
+
+TEST(QtBackend, TheRepaintTimerRepaintsTheWindowUntilItIsKilled) {
+    PlayerState st;
+    MainWindow window(st);
+    QtBackend backend(st, window);
+    window.show();
+    turnEventLoop(10);
+    st.backBufferDC = nullptr;
+    platform::setTimer(platform::timerRepaint, 1);
+    turnEventLoop(50);
+    EXPECT_NE(st.backBufferDC, nullptr);
+
+    platform::killTimer(platform::timerRepaint);
+    platform::killTimer(platform::timerVolumeText); // never set: nothing happens
+    turnEventLoop(10);
+    st.backBufferDC = nullptr;
+    turnEventLoop(50);
+    EXPECT_EQ(st.backBufferDC, nullptr);
+}
+
+TEST(QtBackend, AMessageBoxWithoutADisplayBecomesOneLineInsteadOfBlocking) {
+    PlayerState st;
+    MainWindow window(st);
+    QtBackend backend(st, window);
+    testing::internal::CaptureStderr();
+    platform::messageBox("No soundfont files found.", "Error", platform::Icon::Error, false);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: No soundfont files found.\n");
+}
+
+TEST(QuitSignals, CloseThePlayerThroughTheCloseBoxPathOnceAndEndTheLoopWithZero) {
+    for (int signalNumber : {SIGTERM, SIGINT, SIGHUP}) {
+        PlayerState st;
+        MainWindow window(st);
+        QtBackend backend(st, window);
+        window.show();
+        closeWindowOnQuitSignals(&window);
+        QTimer::singleShot(0, [signalNumber] { std::raise(signalNumber); });
+        QTimer::singleShot(5000, [] { QApplication::exit(99); }); // a safety net, not a check
+        EXPECT_EQ(QApplication::exec(), 0) << "signal " << signalNumber;
+        EXPECT_TRUE(window.hasShutDown());
+        EXPECT_FALSE(window.isVisible());
+    }
+}
+
+} // namespace
