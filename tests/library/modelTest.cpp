@@ -1,39 +1,15 @@
 #include "library/model.h"
 
 #include "core/playerState.h"
+#include "radio/selectionTestSupport.h"
 
 #include <gtest/gtest.h>
 
-namespace {
-
-Song songOf(MusicType type, int favoriteCount = 0, int isFavorite = 0) {
-    Song song;
-    song.songPath = "/music/album/song";
-    song.musicType = type;
-    song.favoriteCount = favoriteCount;
-    song.isFavorite = isFavorite;
-    return song;
-}
-
-void addPlaylist(PlayerState& st, std::vector<Song> songs) {
-    Playlist playlist;
-    playlist.albumName = "album";
-    playlist.songCount = static_cast<int>(songs.size());
-    playlist.songs = std::move(songs);
-    st.playlists.push_back(std::move(playlist));
-}
-
-} // namespace
-
-TEST(Extensions, ClassificationIsExactAndCaseSensitive) {
-    EXPECT_EQ(classifyExtension(".midi"), musicTypeMidi);
-    EXPECT_EQ(classifyExtension(".flac"), musicTypeMp3);
-    EXPECT_EQ(classifyExtension(".mtm"), musicTypeTracker);
-    EXPECT_EQ(classifyExtension(".MP3"), musicTypeUnknown);
-    EXPECT_EQ(classifyExtension("mp3"), musicTypeUnknown);
-    EXPECT_EQ(classifyExtension(".mp4"), musicTypeUnknown);
-    EXPECT_EQ(classifyExtension(""), musicTypeUnknown);
-}
+using selectionTest::addPlaylist;
+using selectionTest::addStations;
+using selectionTest::Ratios;
+using selectionTest::ratiosOf;
+using selectionTest::song;
 
 TEST(Extensions, ExtensionOfStartsAtTheLastDotOfTheWholePath) {
     EXPECT_EQ(extensionOf("/music/a.b/song.Mid"), ".Mid");
@@ -42,41 +18,26 @@ TEST(Extensions, ExtensionOfStartsAtTheLastDotOfTheWholePath) {
     EXPECT_EQ(extensionOf(""), "");
 }
 
-TEST(Recount, EmptyFamiliesHaveTheirRatiosSilenced) {
+TEST(Recount, EmptyFamiliesHaveTheirRatiosSilencedForGood) {
     PlayerState st;
-    addPlaylist(st, {songOf(musicTypeMidi), songOf(musicTypeMidi)});
+    // A favourite counts by its count, not its flag.
+    addPlaylist(st, {song(musicTypeMidi), song(musicTypeMidi, 1, 0)});
     recountLibrary(st);
     EXPECT_EQ(st.midiSongCount, 2);
-    EXPECT_EQ(st.totalSongCount, 2);
+    EXPECT_EQ(st.favoriteSongCount, 0);
     EXPECT_EQ(st.playlistCount, 1);
-    EXPECT_EQ(st.rawMIDI, 50);
-    EXPECT_EQ(st.rawMP3, 0);
-    EXPECT_EQ(st.rawTracker, 0);
-    EXPECT_EQ(st.rawFav, 0);
-    EXPECT_EQ(st.rawRadio, 0);
-}
+    EXPECT_EQ(ratiosOf(st), (Ratios{50, 0, 0, 0, 0}));
 
-TEST(Recount, ASilencedRatioStaysZeroWhenTheFamilyComesBack) {
-    PlayerState st;
-    recountLibrary(st);
-    ASSERT_EQ(st.rawMP3, 0);
-    addPlaylist(st, {songOf(musicTypeMp3)});
-    st.radioStations.push_back({"Station", "http://example.invalid/", 0, 0});
+    // A song of no known type is no song, yet its count makes it a favourite.
+    addPlaylist(st,
+                {song(musicTypeMp3), song(musicTypeTracker, 0, 3), song(musicTypeUnknown, 0, 2)});
+    addStations(st, {0});
     recountLibrary(st);
     EXPECT_EQ(st.mp3SongCount, 1);
-    EXPECT_EQ(st.stationCount, 1);
-    EXPECT_EQ(st.rawMP3, 0);
-    EXPECT_EQ(st.rawRadio, 0);
-}
-
-TEST(Recount, FavouriteSongsAreCountedByTheirCountNotTheirFlag) {
-    PlayerState st;
-    addPlaylist(st, {songOf(musicTypeTracker, 3, 0), songOf(musicTypeTracker, 0, 1),
-                     songOf(musicTypeUnknown, 2)});
-    recountLibrary(st);
+    EXPECT_EQ(st.totalSongCount, 4);
     EXPECT_EQ(st.favoriteSongCount, 2);
-    EXPECT_EQ(st.totalSongCount, 2);
-    EXPECT_EQ(st.rawFav, 50);
+    EXPECT_EQ(st.stationCount, 1);
+    EXPECT_EQ(ratiosOf(st), (Ratios{50, 0, 0, 0, 0}));
 }
 
 TEST(Titles, FolderWordsStartAfterUnderscoresAndDotsButNotBlanks) {
@@ -86,15 +47,12 @@ TEST(Titles, FolderWordsStartAfterUnderscoresAndDotsButNotBlanks) {
     EXPECT_EQ(titleCaseFolder(""), "");
 }
 
-TEST(Titles, FileTitlesSplitAtUnderscoresAndCapitals) {
+TEST(Titles, FileTitlesSplitAtUnderscoresAndCapitalsAndStopAt254Bytes) {
     EXPECT_EQ(titleFromPath("/music/rock/my_oldSong.mid"), "My Old Song");
     EXPECT_EQ(titleFromPath("C:\\Music\\abc.def.mid"), "Abc.def");
     EXPECT_EQ(titleFromPath("/music/a.b/noExtension"), "");
     EXPECT_EQ(titleFromPath("/music/.mid"), "");
     EXPECT_EQ(titleFromPath("\xc3\xa9t\xc3\xa9.mp3"), "\xc3\xa9t\xc3\xa9");
-}
-
-TEST(Titles, FileTitlesStopAt254Bytes) {
     EXPECT_EQ(titleFromPath(std::string(300, 'a') + ".mid").size(), 253u);
     // A capital written at 252 brings its blank along.
     std::string title = titleFromPath("aa" + std::string(300, 'B') + ".mid");
@@ -112,18 +70,20 @@ class PathLine : public testing::Test {
     PlayerState st;
 };
 
-TEST_F(PathLine, ShowsTheFamilyAndTheTitleCasedFoldersBelowTheRoot) {
+TEST_F(PathLine, ShowsTheFamilyAndTheTitleCasedFoldersBelowTheRootOrAllOutsideTheRoots) {
     EXPECT_EQ(displayPath(st, "/music/Rock/old_hits/a.mp3", musicTypeMp3), "MP3 > Rock > Old Hits");
     EXPECT_EQ(st.currentFolderTitle, "Rock");
     EXPECT_EQ(st.lcdTitle, "Rock");
     EXPECT_EQ(displayPath(st, "C:\\Music\\Rock\\old_hits\\a.mp3", musicTypeMp3),
               "MP3 > Rock > Old Hits");
-}
-
-TEST_F(PathLine, ARootNotInTheListShowsAllFolders) {
     EXPECT_EQ(displayPath(st, "/home/ann/rock/a.mid", musicTypeMidi), "MIDI > Home > Ann > Rock");
     EXPECT_EQ(displayPath(st, "D:\\tunes\\a.xm", musicTypeTracker), "Tracker > D: > Tunes");
     EXPECT_EQ(st.currentFolderTitle, "D:");
+
+    // The headline is cut to 255 bytes, the folder title is not.
+    displayPath(st, "/music/" + std::string(400, 'x') + "/a.mp3", musicTypeMp3);
+    EXPECT_EQ(st.lcdTitle.size(), 255u);
+    EXPECT_EQ(st.currentFolderTitle.size(), 400u);
 }
 
 TEST_F(PathLine, WithoutRootsTheHeadlineAsksForThemWhateverTheLibraryHolds) {
@@ -151,12 +111,6 @@ TEST_F(PathLine, AStationShowsItsNameAndGenreButNoFolders) {
     EXPECT_EQ(displayPath(st, "http://radio.example/live", musicTypeStation), "Jazz FM > Jazz");
     EXPECT_EQ(st.lcdTitle, "Jazz FM");
     EXPECT_EQ(st.currentFolderTitle, "kept");
-}
-
-TEST_F(PathLine, TheHeadlineIsCutTo255Bytes) {
-    displayPath(st, "/music/" + std::string(400, 'x') + "/a.mp3", musicTypeMp3);
-    EXPECT_EQ(st.lcdTitle.size(), 255u);
-    EXPECT_EQ(st.currentFolderTitle.size(), 400u);
 }
 
 TEST(History, AnAppendedRowIsTheOneThatPlays) {

@@ -5,41 +5,27 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
 
-std::vector<std::string> albumsOf(const PlayerState& st) {
-    std::vector<std::string> albums;
-    for (const Playlist& playlist : st.playlists)
-        albums.push_back(playlist.albumName);
-    return albums;
-}
-
-} // namespace
-
-class Rebuild : public testing::Test {
-  protected:
-    Rebuild() {
-        // Keep whatever the rebuild saves inside the fixture.
-        st.dataDirectory = dir.str();
-        st.libraryCachePath = (dir.path() / "musicLibraryCache.json").string();
-    }
+TEST(Rebuild, ARootListedTwiceGivesEachPlaylistTwiceAndCountsAfresh) {
     TempDir dir;
-    PlayerState st;
-};
-
-TEST_F(Rebuild, ARootListedTwiceGivesEachPlaylistTwice) {
     dir.write("music/Rock/a.mp3");
     dir.write("music/Jazz/b.mid");
     dir.write("music/Jazz/c.mid");
+    dir.write("music/Notes/readme.txt");
+    PlayerState st;
+    st.dataDirectory = dir.str(); // whatever the rebuild saves stays in the fixture
+    st.libraryCachePath = (dir.path() / "musicLibraryCache.json").string();
     st.playlists.resize(5);
     st.scanSongCount = 50;
     st.scanPlaylistCount = 5;
     st.directoryPaths = {dir.str() + "/music", dir.str() + "/music"};
     rebuildLibrary(st);
-    EXPECT_EQ(albumsOf(st), (std::vector<std::string>{"Jazz", "Rock", "Jazz", "Rock"}));
+    std::vector<std::string> albums;
+    for (const Playlist& playlist : st.playlists)
+        albums.push_back(playlist.albumName);
+    EXPECT_EQ(albums, (std::vector<std::string>{"Jazz", "Rock", "Jazz", "Rock"}));
     EXPECT_EQ(st.playlists[0].songs[0].songPath, st.playlists[2].songs[0].songPath);
     EXPECT_EQ(st.scanSongCount, 6);
     EXPECT_EQ(st.scanPlaylistCount, 4);

@@ -2,169 +2,112 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <map>
 
 using namespace selectionTest;
 
-namespace {
-
-// Three plain songs and one favourite in each family, all in one playlist.
-void fillMixedLibrary(PlayerState& st) {
-    std::vector<Song> songs;
-    for (MusicType type : {musicTypeMidi, musicTypeMp3, musicTypeTracker}) {
-        for (int i = 0; i < 3; ++i)
-            songs.push_back(song(type));
-        songs.push_back(favorite(type));
-    }
-    addPlaylist(st, songs);
-    countLibrary(st);
-}
-
-bool allOf(const PlayerState& st, const std::vector<SongRef>& picks, auto test) {
-    return std::all_of(picks.begin(), picks.end(),
-                       [&](SongRef ref) { return test(songOf(st, ref)); });
-}
-
-} // namespace
-
 // --- Weighting by favourites.
 
-TEST(WeightedDraw, AFavouriteWithCountThreeComesFourTimesAsOften) {
+TEST(WeightedDraw, AFavouriteStandsOncePlusItsCountAndAPlainSongOnce) {
     PlayerState st;
-    addPlaylist(st, {favorite(musicTypeMp3, 3), song(musicTypeMp3)});
-    countLibrary(st);
-    setRatios(st, 0, 50, 0, 0, 0);
+    addPlaylist(st, {favorite(musicTypeMp3, 3), song(musicTypeMp3), song(musicTypeMp3, 0, 3),
+                     favorite(musicTypeMp3, 0), favorite(musicTypeMp3, -2)});
+    prepare(st, {0, 50, 0, 0, 0}, 21);
     st.historyDepth = 0;
-    seedAll(st, 21);
-    constexpr int draws = 50'000;
-    int favourites = 0;
+    constexpr int draws = 70'000;
+    std::array<int, 5> seen{};
     for (SongRef ref : selectMany(st, draws))
-        favourites += ref == SongRef{0, 0} ? 1 : 0;
-    EXPECT_NEAR(static_cast<double>(favourites) / draws, 0.8, 0.01);
-}
-
-TEST(WeightedDraw, OnlyTheFavouriteFlagMakesASongStandMoreThanOnce) {
-    PlayerState st;
-    addPlaylist(st, {favorite(musicTypeMp3, 3), favorite(musicTypeMp3, 0), song(musicTypeMp3, 0, 3),
-                     favorite(musicTypeMp3, -2)});
-    countLibrary(st);
-    setRatios(st, 0, 50, 0, 0, 0);
-    seedAll(st, 22);
-    selectNextSong(st);
-    EXPECT_EQ(st.weightedSongTotal, 4 + 1 + 1 + 0);
+        ++seen.at(ref.songIndex);
+    // Weights 4, 1, 1, 1 and 0 (a negative count stands no times): the favourite with count 3
+    // comes four times as often as each other song.
+    EXPECT_NEAR(static_cast<double>(seen[0]) / draws, 4 / 7.0, 0.01);
+    for (int s : {1, 2, 3})
+        EXPECT_NEAR(static_cast<double>(seen[s]) / draws, 1 / 7.0, 0.01) << "song " << s;
+    EXPECT_EQ(seen[4], 0);
 }
 
 // --- The favourite filters and the family.
 
-TEST(Filters, FavoritesOnlyNeverPlaysAPlainSong) {
-    PlayerState st;
-    fillMixedLibrary(st);
-    setRatios(st, 50, 50, 50, 50, 0);
-    st.builtInStation = 1;
-    st.historyDepth = 0;
-    seedAll(st, 23);
-    EXPECT_TRUE(allOf(st, selectMany(st, 300), [](const Song& s) { return s.isFavorite == 1; }));
-}
-
-TEST(Filters, NoFavoritesAllowedNeverPlaysAFavouriteOfAMusicFamily) {
-    PlayerState st;
-    fillMixedLibrary(st);
-    setRatios(st, 50, 50, 50, 0, 0);
-    st.builtInStation = 2;
-    st.historyDepth = 0;
-    seedAll(st, 24);
-    EXPECT_TRUE(allOf(st, selectMany(st, 300), [](const Song& s) { return s.isFavorite == 0; }));
-}
-
-TEST(Filters, TheFavoritesFamilyOverridesNoFavoritesAllowed) {
-    PlayerState st;
-    fillMixedLibrary(st);
-    setRatios(st, 0, 0, 0, 50, 0);
-    st.builtInStation = 2;
-    st.historyDepth = 0;
-    seedAll(st, 25);
-    EXPECT_TRUE(allOf(st, selectMany(st, 300), [](const Song& s) { return s.isFavorite == 1; }));
-}
-
-TEST(Filters, AMusicFamilyPlaysOnlyItsOwnType) {
-    PlayerState st;
-    fillMixedLibrary(st);
-    setRatios(st, 0, 0, 50, 0, 0);
-    st.historyDepth = 0;
-    seedAll(st, 26);
-    EXPECT_TRUE(allOf(st, selectMany(st, 300),
-                      [](const Song& s) { return s.musicType == musicTypeTracker; }));
+TEST(Filters, EachFilterAndFamilyPlaysOnlyItsSongs) {
+    struct Case {
+        const char* why;
+        int builtInStation;
+        Ratios ratios;
+        int isFavorite; // the flag every pick must have, or -1
+        int musicType;  // the type every pick must have, or -1
+    };
+    const Case cases[] = {
+        {"Favorites Only", 1, {50, 50, 50, 50, 0}, 1, -1},
+        {"No Favorites Allowed", 2, {50, 50, 50, 0, 0}, 0, -1},
+        {"the Favorites family overrides No Favorites Allowed", 2, {0, 0, 0, 50, 0}, 1, -1},
+        {"a music family", 0, {0, 0, 50, 0, 0}, -1, musicTypeTracker},
+    };
+    for (const Case& c : cases) {
+        PlayerState st;
+        std::vector<Song> songs; // three plain songs and one favourite in each family
+        for (MusicType type : {musicTypeMidi, musicTypeMp3, musicTypeTracker}) {
+            songs.insert(songs.end(), 3, song(type));
+            songs.push_back(favorite(type));
+        }
+        addPlaylist(st, songs);
+        prepare(st, c.ratios, 23);
+        st.builtInStation = c.builtInStation;
+        st.historyDepth = 0;
+        for (SongRef ref : selectMany(st, 300)) {
+            const Song& picked = st.playlists.at(ref.plistIndex).songs.at(ref.songIndex);
+            ASSERT_TRUE(c.isFavorite < 0 || picked.isFavorite == c.isFavorite) << c.why;
+            ASSERT_TRUE(c.musicType < 0 || picked.musicType == c.musicType) << c.why;
+        }
+    }
 }
 
 TEST(Filters, TheFavoritesFamilyHasSongsByTheFlagNotTheCount) {
     PlayerState st;
     addPlaylist(st, {song(musicTypeMp3, 0, 3)});
-    EXPECT_TRUE(familyHasSongs(st, familyMp3));
-    EXPECT_FALSE(familyHasSongs(st, familyMidi));
     EXPECT_FALSE(familyHasSongs(st, familyFavorites));
-    EXPECT_FALSE(familyHasSongs(st, familyNone));
     st.playlists[0].songs[0].isFavorite = 1;
     EXPECT_TRUE(familyHasSongs(st, familyFavorites));
 }
 
 // --- The repeat window.
 
-TEST(RepeatWindow, NoSongReturnsWhileItIsAmongTheLastRows) {
+TEST(RepeatWindow, NoSongReturnsWhileItIsAmongTheLastRowsUnlessTheDepthIsZero) {
     PlayerState st;
-    addPlaylist(st, {song(musicTypeMp3), song(musicTypeMp3), song(musicTypeMp3)});
-    countLibrary(st);
-    setRatios(st, 0, 50, 0, 0, 0);
+    addPlaylist(st, std::vector<Song>(3, song(musicTypeMp3)));
+    prepare(st, {0, 50, 0, 0, 0}, 27);
     st.historyDepth = 2;
-    seedAll(st, 27);
     std::vector<SongRef> picks = selectMany(st, 60);
     for (size_t i = 2; i < picks.size(); ++i) {
         EXPECT_NE(picks[i], picks[i - 1]) << "pick " << i;
         EXPECT_NE(picks[i], picks[i - 2]) << "pick " << i;
     }
-}
 
-TEST(RepeatWindow, DepthZeroLetsASongFollowItself) {
-    PlayerState st;
-    addPlaylist(st, {song(musicTypeMp3), song(musicTypeMp3)});
-    countLibrary(st);
-    setRatios(st, 0, 50, 0, 0, 0);
     st.historyDepth = 0;
-    seedAll(st, 28);
-    std::vector<SongRef> picks = selectMany(st, 100);
+    picks = selectMany(st, 100);
     EXPECT_NE(std::adjacent_find(picks.begin(), picks.end()), picks.end());
+
+    // A window wider than the library repeats a song rather than fall silent.
+    st.historyDepth = 4;
+    selectMany(st, 5);
+    EXPECT_EQ(st.historyEnd, 165);
 }
 
-TEST(RepeatWindow, MinusOneOrADepthBeyondTheHistoryRefusesEveryRow) {
+TEST(RepeatWindow, MinusOneOrADepthBeyondTheHistoryRefusesEveryRowOfTheSameType) {
     for (int depth : {-1, 500}) {
-        PlayerState st;
-        addPlaylist(st, std::vector<Song>(5, song(musicTypeMp3)));
-        countLibrary(st);
-        setRatios(st, 0, 50, 0, 0, 0);
-        st.historyDepth = depth;
-        seedAll(st, 29);
-        for (int s = 0; s < 4; ++s)
-            appendHistory(st, musicTypeMp3, s, 0);
-        for (int i = 0; i < 100; ++i)
-            appendHistory(st, musicTypeStation, 0, 0);
-        EXPECT_EQ(selectNextSong(st), (SongRef{0, 4})) << "depth " << depth;
+        for (unsigned seed = 0; seed < 10; ++seed) {
+            PlayerState st;
+            addPlaylist(st, std::vector<Song>(5, song(musicTypeMp3)));
+            prepare(st, {0, 50, 0, 0, 0}, seed);
+            st.historyDepth = depth;
+            for (int s : {0, 1, 2, 4})
+                appendHistory(st, musicTypeMp3, s, 0);
+            // Rows of another type at song 3's place do not refuse it; were they taken for the
+            // song, the plain pick would follow and land elsewhere.
+            for (int i = 0; i < 100; ++i)
+                appendHistory(st, musicTypeMidi, 3, 0);
+            seedRand15Where(st, [](int r) { return r % 5 != 3; });
+            EXPECT_EQ(selectNextSong(st), (SongRef{0, 3})) << "depth " << depth;
+        }
     }
-}
-
-TEST(RepeatWindow, ARowOfAnotherTypeAtTheSamePlaceDoesNotRefuse) {
-    PlayerState st;
-    addPlaylist(st, {song(musicTypeMp3)});
-    addPlaylist(st, std::vector<Song>(5, song(musicTypeMidi)));
-    countLibrary(st);
-    setRatios(st, 0, 50, 0, 0, 0);
-    seedAll(st, 30);
-    appendHistory(st, musicTypeMidi, 0, 0);
-    // Were the row taken for the song, the plain pick would follow and land in playlist 1.
-    unsigned seed = 0;
-    for (Rand15 probe;; probe.seed(++seed))
-        if (probe.next() % 6 != 0)
-            break;
-    st.rand15.seed(seed);
-    EXPECT_EQ(selectNextSong(st), (SongRef{0, 0}));
 }
 
 // --- The plain pick.
@@ -173,57 +116,30 @@ TEST(PlainPick, WhenEveryDrawIsRefusedAnySongOfTheLibraryPlays) {
     PlayerState st;
     addPlaylist(st, {song(musicTypeMidi), song(musicTypeMidi)});
     addPlaylist(st, {favorite(musicTypeMp3), favorite(musicTypeMp3), song(musicTypeMidi)});
-    countLibrary(st);
-    setRatios(st, 50, 0, 0, 0, 0);
+    prepare(st, {50, 0, 0, 0, 0}, 31);
     st.builtInStation = 1;
     st.currentMusicType = musicTypeTracker;
-    seedAll(st, 31);
-    Rand15 predictor = st.rand15;
-    int r = predictor.next() % 5;
-    SongRef expected = r < 2 ? SongRef{0, r} : SongRef{1, r - 2};
-
-    EXPECT_EQ(selectNextSong(st), expected);
-    ASSERT_EQ(st.songHistory.size(), 1u);
-    MusicType type = songOf(st, expected).musicType;
-    EXPECT_EQ(st.songHistory[0], (HistoryEntry{type, expected.songIndex, expected.plistIndex}));
-    EXPECT_EQ(st.previousMusicType, type); // nothing played before the first plain pick
-    EXPECT_EQ(st.currentMusicType, type);
-}
-
-TEST(PlainPick, ALibrarySmallerThanTheWindowRepeatsASongRatherThanFallSilent) {
-    PlayerState st;
-    addPlaylist(st, {song(musicTypeMp3), song(musicTypeMp3)});
-    countLibrary(st);
-    setRatios(st, 0, 50, 0, 0, 0);
-    seedAll(st, 32);
-    std::vector<SongRef> picks = selectMany(st, 3);
-    EXPECT_NE(picks[0], picks[1]);
-    EXPECT_TRUE(picks[2] == picks[0] || picks[2] == picks[1]);
-    EXPECT_EQ(st.historyEnd, 3);
+    seedRand15Where(st, [](int r) { return r % 5 == 3; }); // the fourth of the five songs
+    EXPECT_EQ(selectNextSong(st), (SongRef{1, 1}));
+    EXPECT_EQ(st.songHistory, (std::vector<HistoryEntry>{{musicTypeMp3, 1, 1}}));
+    EXPECT_EQ(st.previousMusicType, musicTypeMp3); // nothing played before the first plain pick
+    EXPECT_EQ(st.currentMusicType, musicTypeMp3);
 }
 
 TEST(PlainPick, StaleCountsGiveTheZeroReferenceAndChangeNothing) {
     PlayerState st;
     addPlaylist(st, {song(musicTypeMidi), song(musicTypeMidi)});
     addPlaylist(st, {song(musicTypeMp3)});
-    countLibrary(st);
-    st.currentMusicType = musicTypeTracker;
-    st.previousMusicType = musicTypeTracker;
+    prepare(st, {}, 0);
+    st.currentMusicType = st.previousMusicType = musicTypeTracker;
 
     st.scanSongCount = 1000; // r lands beyond the three songs there are
-    unsigned seed = 0;
-    for (Rand15 probe;; probe.seed(++seed))
-        if (probe.next() % 1000 >= 3)
-            break;
-    st.rand15.seed(seed);
+    seedRand15Where(st, [](int r) { return r % 1000 >= 3; });
     EXPECT_EQ(pickPlainSong(st), (SongRef{0, 0}));
 
     st.scanSongCount = 3;
     st.scanPlaylistCount = 1; // only the first playlist is counted
-    for (Rand15 probe;; probe.seed(++seed))
-        if (probe.next() % 3 == 2)
-            break;
-    st.rand15.seed(seed);
+    seedRand15Where(st, [](int r) { return r % 3 == 2; });
     EXPECT_EQ(pickPlainSong(st), (SongRef{0, 0}));
 
     st.scanSongCount = 0;
@@ -235,92 +151,62 @@ TEST(PlainPick, StaleCountsGiveTheZeroReferenceAndChangeNothing) {
     EXPECT_EQ(st.previousMusicType, musicTypeTracker);
 }
 
-// --- Library order.
+// --- Library order and one playlist.
 
+// In the one-playlist mode too, shuffle off plays the library in order.
 class LibraryOrder : public testing::TestWithParam<int> {};
 
-TEST_P(LibraryOrder, TheLastSongOfTheLastPlaylistWrapsToTheFirstSong) {
-    PlayerState st;
-    addPlaylist(st, {song(musicTypeMidi), song(musicTypeMidi)});
-    addPlaylist(st, {song(musicTypeMp3), song(musicTypeMp3)});
-    countLibrary(st);
-    setRatios(st, 50, 50, 0, 0, 0);
-    seedAll(st, 33);
-    st.stationMode = GetParam();
-    st.shuffle = 0;
-    st.modePlaylist = 1;
-    st.modeSongIndex = 1;
-    EXPECT_EQ(selectNextSong(st), (SongRef{0, 0}));
-    EXPECT_EQ(st.modePlaylist, 0);
-    EXPECT_EQ(st.modeSongIndex, 0);
-    EXPECT_EQ(st.currentMusicType, musicTypeMidi);
-    EXPECT_EQ(st.songHistory.back(), (HistoryEntry{musicTypeMidi, 0, 0}));
-}
-
-INSTANTIATE_TEST_SUITE_P(OnePlaylistAndRadioMode, LibraryOrder, testing::Values(0, 1));
-
-TEST(LibraryOrderGuards, PlaylistsWithoutSongsArePassedOver) {
+TEST_P(LibraryOrder, PassesOverPlaylistsWithoutSongsAndWrapsToTheFirstSong) {
     PlayerState st;
     addPlaylist(st, {song(musicTypeMidi), song(musicTypeMidi)});
     addPlaylist(st, {});
     addPlaylist(st, {song(musicTypeMp3)});
     addPlaylist(st, {});
-    countLibrary(st);
-    setRatios(st, 50, 50, 0, 0, 0);
-    seedAll(st, 34);
+    prepare(st, {50, 50, 0, 0, 0}, 34);
+    st.stationMode = GetParam();
     st.shuffle = 0;
     st.modeSongIndex = 0;
-    std::vector<SongRef> picks = selectMany(st, 3);
-    EXPECT_EQ(picks, (std::vector<SongRef>{{0, 1}, {2, 0}, {0, 0}}));
+    EXPECT_EQ(selectMany(st, 3), (std::vector<SongRef>{{0, 1}, {2, 0}, {0, 0}}));
+    EXPECT_EQ(st.modePlaylist, 0);
+    EXPECT_EQ(st.modeSongIndex, 0);
+    EXPECT_EQ(st.currentMusicType, musicTypeMidi);
+    EXPECT_EQ(st.songHistory.back(), (HistoryEntry{musicTypeMidi, 0, 0}));
 
     st.modePlaylist = 9; // names no playlist: the cursor moves on to one that has songs
     EXPECT_EQ(selectNextSong(st), (SongRef{0, 0}));
 
     st.modeSongIndex = -5; // a cursor before the first song starts at the first song
     EXPECT_EQ(selectNextSong(st), (SongRef{0, 0}));
-}
 
-TEST(LibraryOrderGuards, ALibraryWithoutSongsGivesTheZeroReference) {
-    PlayerState st;
-    addPlaylist(st, {});
-    addPlaylist(st, {});
-    countLibrary(st);
-    seedAll(st, 35);
-    st.shuffle = 0;
+    // A library without songs gives the zero reference and leaves the cursor.
+    st.playlists[0].songs.clear();
+    st.playlists[2].songs.clear();
     st.modePlaylist = 1;
     EXPECT_EQ(selectNextSong(st), (SongRef{0, 0}));
     EXPECT_EQ(st.modePlaylist, 1);
-    EXPECT_TRUE(st.songHistory.empty());
+    EXPECT_EQ(st.historyEnd, 5);
 }
 
-// --- One playlist (stationMode 0).
+INSTANTIATE_TEST_SUITE_P(OnePlaylistAndRadioMode, LibraryOrder, testing::Values(0, 1));
 
 TEST(OnePlaylist, DrawsOnlyFromItsPlaylistWithoutFiltersOrWindow) {
     PlayerState st;
     addPlaylist(st, {song(musicTypeMp3)});
     addPlaylist(st, {favorite(musicTypeMidi, 3), song(musicTypeMidi)});
-    countLibrary(st);
-    seedAll(st, 36);
+    addPlaylist(st, {});
+    prepare(st, {}, 36);
     st.stationMode = 0;
     st.modePlaylist = 1;
     st.builtInStation = 1;
     std::vector<SongRef> picks = selectMany(st, 50);
-    EXPECT_TRUE(
-        std::all_of(picks.begin(), picks.end(), [](SongRef r) { return r.plistIndex == 1; }));
-    EXPECT_NE(std::find(picks.begin(), picks.end(), SongRef{1, 1}), picks.end());
+    EXPECT_TRUE(std::ranges::all_of(picks, [](SongRef r) { return r.plistIndex == 1; }));
+    EXPECT_NE(std::ranges::find(picks, SongRef{1, 1}), picks.end());
     EXPECT_EQ(st.weightedSongTotal, 2);
-}
 
-TEST(OnePlaylist, APlaylistWithoutSongsOrOutOfRangeGivesTheZeroReference) {
-    for (int plist : {1, 2, -1}) {
-        PlayerState st;
-        addPlaylist(st, {song(musicTypeMp3)});
-        addPlaylist(st, {});
-        countLibrary(st);
-        seedAll(st, 37);
-        st.stationMode = 0;
+    // A playlist without songs, or none at all, gives the zero reference and records nothing.
+    for (int plist : {2, 3, -1}) {
         st.modePlaylist = plist;
         EXPECT_EQ(selectNextSong(st), (SongRef{0, 0})) << "playlist " << plist;
-        EXPECT_TRUE(st.songHistory.empty()) << "playlist " << plist;
+        EXPECT_EQ(st.historyEnd, 50) << "playlist " << plist;
     }
 }

@@ -3,20 +3,21 @@
 #include "library/model.h"
 #include "radio/selection.h"
 
+#include <array>
 #include <string>
+#include <tuple>
 #include <vector>
 
 // In-memory libraries for the selection tests. Paths are unique, "p<playlist>s<song><ext>", so a
 // picked song can be told from its neighbours.
 namespace selectionTest {
 
-inline const char* extensionFor(MusicType type) {
-    return type == musicTypeMidi ? ".mid" : type == musicTypeMp3 ? ".mp3" : ".xm";
-}
+// MIDI, MP3, Tracker, Favorites, Radio: the order of the ratios and of the families.
+using Ratios = std::array<int, 5>;
 
 inline Song song(MusicType type, int isFavorite = 0, int favoriteCount = 0) {
     Song s;
-    s.songPath = extensionFor(type);
+    s.songPath = type == musicTypeMidi ? ".mid" : type == musicTypeMp3 ? ".mp3" : ".xm";
     s.musicType = type;
     s.isFavorite = isFavorite;
     s.favoriteCount = favoriteCount;
@@ -43,25 +44,23 @@ inline void addStations(PlayerState& st, std::vector<int> favoriteCounts) {
         st.radioStations.push_back(RadioStation{"station", "http://127.0.0.1/", 0, count});
 }
 
-// The counters as start-up leaves them. Ratios are set afterwards: the recount clears some.
-inline void countLibrary(PlayerState& st) {
+inline void setRatios(PlayerState& st, Ratios r) {
+    std::tie(st.rawMIDI, st.rawMP3, st.rawTracker, st.rawFav, st.rawRadio) = std::tuple_cat(r);
+}
+
+inline Ratios ratiosOf(const PlayerState& st) {
+    return {st.rawMIDI, st.rawMP3, st.rawTracker, st.rawFav, st.rawRadio};
+}
+
+// The counters as start-up leaves them, then the ratios (after the recount, which clears some)
+// and seeded generators; with pastFirstPick the run has already made its first family draw.
+inline void prepare(PlayerState& st, Ratios ratios, unsigned seed, bool pastFirstPick = true) {
     recountLibrary(st);
     st.scanPlaylistCount = static_cast<int>(st.playlists.size());
     st.scanSongCount = 0;
     for (const Playlist& playlist : st.playlists)
         st.scanSongCount += static_cast<int>(playlist.songs.size());
-}
-
-inline void setRatios(PlayerState& st, int midi, int mp3, int tracker, int fav, int radio) {
-    st.rawMIDI = midi;
-    st.rawMP3 = mp3;
-    st.rawTracker = tracker;
-    st.rawFav = fav;
-    st.rawRadio = radio;
-}
-
-// Seeded generators; with pastFirstPick the run has already made its first family draw.
-inline void seedAll(PlayerState& st, unsigned seed, bool pastFirstPick = true) {
+    setRatios(st, ratios);
     st.familyRng.seed(seed);
     st.selectionRng.seed(seed + 1);
     st.rand15.seed(seed + 2);
@@ -71,8 +70,16 @@ inline void seedAll(PlayerState& st, unsigned seed, bool pastFirstPick = true) {
     }
 }
 
-inline const Song& songOf(const PlayerState& st, SongRef ref) {
-    return st.playlists.at(ref.plistIndex).songs.at(ref.songIndex);
+// Seeds rand15 with the first seed whose next draw satisfies wanted.
+inline void seedRand15Where(PlayerState& st, auto wanted) {
+    for (unsigned seed = 0;; ++seed) {
+        Rand15 probe;
+        probe.seed(seed);
+        if (wanted(probe.next())) {
+            st.rand15.seed(seed);
+            return;
+        }
+    }
 }
 
 inline std::vector<SongRef> selectMany(PlayerState& st, int count) {
