@@ -1,0 +1,98 @@
+#pragma once
+#include "playback/engine/decoder.h"
+#include "playback/engine/handle.h"
+#include "playback/engine/ringBuffer.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+// A volume that moves linearly from `from` to `to` over `frames` played frames, starting when the
+// channel had played `start` frames. A plain set is a slide of no frames.
+struct VolumeRamp {
+    float from = 1.0f;
+    float to = 1.0f;
+    std::uint64_t start = 0;
+    std::uint64_t frames = 0;
+
+    float at(std::uint64_t played) const {
+        if (played >= start + frames)
+            return to;
+        if (played <= start)
+            return from;
+        double t = static_cast<double>(played - start) / static_cast<double>(frames);
+        return static_cast<float>(from + (to - from) * t);
+    }
+};
+
+// The ramp as the mixer reads it while the user-interface thread may replace it: a sequence lock,
+// so the reader never waits and never sees half of a ramp.
+class SharedRamp {
+  public:
+    void store(const VolumeRamp& ramp); // writers are serialised by the channel's control lock
+    VolumeRamp load() const;
+
+  private:
+    std::atomic<std::uint32_t> sequence_{0};
+    std::atomic<float> from_{1.0f};
+    std::atomic<float> to_{1.0f};
+    std::atomic<std::uint64_t> start_{0};
+    std::atomic<std::uint64_t> frames_{0};
+};
+
+// Where the source position jumps when the mixer reaches a frame of the ring: a looping file
+// wraps to 0 there.
+struct PositionMark {
+    std::uint64_t ringIndex = 0;
+    std::uint64_t position = 0;
+};
+
+// One playing thing: its decoder on a decode thread of its own, the ring the mixer reads, and the
+// figures both sides share.
+struct Channel {
+    Channel(std::unique_ptr<Decoder> source, bool loops);
+    ~Channel(); // stops and joins the decode thread
+    Channel(const Channel&) = delete;
+    Channel& operator=(const Channel&) = delete;
+
+    // Set by the control side, read by the mixer; the mixer itself moves Playing to Stopped when a
+    // module has played its last frame.
+    std::atomic<int> state{0};
+    FrameRing ring{32768};
+    SharedRamp volume;
+    std::atomic<std::uint64_t> played{0};   // frames mixed since creation: the clock of slides
+    std::atomic<std::uint64_t> position{0}; // source position heard, in 44100 Hz frames
+    std::atomic<int> underruns{0};
+    std::array<PositionMark, 8> marks{};
+    std::atomic<std::uint32_t> marksWritten{0};
+    std::atomic<std::uint32_t> marksRead{0};
+    std::atomic<bool> ended{false}; // the decoder wrote its last frame at endIndex
+    std::atomic<std::uint64_t> endIndex{0};
+
+    // The decoder and what describes it; decoderLock is held for every call on the decoder.
+    std::mutex decoderLock;
+    std::unique_ptr<Decoder> decoder;
+    MidiDecoder* midi = nullptr;
+    const bool loops;
+    const std::uint64_t lengthFrames;
+    const int sourceRate;
+    const int sourceChannels;
+    std::vector<FontHandle> fonts; // as set through the engine, for get-fonts
+
+    // Under decoderLock and the output lock: the decoder is at frame, the ring is empty.
+    void restartAt(std::uint64_t frame);
+    // Decoded frames ready to mix, including the end of a module.
+    bool hasPrefill(std::size_t frames) const;
+
+  private:
+    void decodeLoop();
+    bool fillLocked(); // one chunk under decoderLock; false when there was nothing to do
+
+    std::vector<float> scratch_;
+    std::atomic<bool> quit_{false};
+    std::thread thread_;
+};

@@ -1,0 +1,48 @@
+#pragma once
+#include "playback/engine/engineError.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+// Inside the engine only: one decoder per channel, driven by that channel's decode thread. The
+// engine serialises every call on one decoder, so a decoder needs no locks of its own. Output is
+// always interleaved stereo float at 44100 Hz.
+constexpr int engineRate = 44100;
+
+class Decoder {
+  public:
+    virtual ~Decoder() = default;
+    // Writes up to `frames` stereo frames into out; fewer only at the end of the source, 0 there.
+    virtual std::size_t render(float* out, std::size_t frames) = 0;
+    // Moves to an output frame (44100 Hz); false leaves the decoder where it was.
+    virtual bool seek(std::uint64_t frame) = 0;
+    // Length in output frames (44100 Hz).
+    virtual std::uint64_t lengthFrames() const = 0;
+    // The source's own rate and channel count, which positions in bytes are counted in.
+    virtual int sourceRate() const = 0;
+    virtual int sourceChannels() const = 0;
+};
+
+// A soundfont as the engine shares it: parsed once, kept alive by every MIDI stream that uses it,
+// so no decode thread can render from a font that was freed under it.
+class SoundFont;
+using SoundFontRef = std::shared_ptr<const SoundFont>;
+
+// A MIDI decoder can change its fonts while it plays.
+class MidiDecoder : public Decoder {
+  public:
+    virtual void setFonts(const std::vector<SoundFontRef>& fonts) = 0;
+};
+
+// Each returns null and sets error on failure, after one log line naming the path.
+std::unique_ptr<Decoder> openFfmpegDecoder(const std::string& path, EngineError& error);
+std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, EngineError& error);
+std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,
+                                             const std::vector<SoundFontRef>& fonts,
+                                             EngineError& error);
+SoundFontRef loadSoundFont(const std::string& path, EngineError& error);
+// Whether a decoder role can be served ("midi", "aac", "flac"); the plug-in check asks this.
+bool decoderRoleAvailable(const std::string& role);

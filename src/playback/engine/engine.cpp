@@ -1,0 +1,523 @@
+#include "playback/engine/engine.h"
+
+#include "core/log.h"
+#include "playback/engine/channel.h"
+#include "playback/engine/mixer.h"
+#include "playback/engine/outputs.h"
+
+#include <algorithm>
+#include <chrono>
+#include <set>
+#include <thread>
+
+namespace {
+
+constexpr std::uint32_t fontBit = 0x80000000u;
+constexpr std::uint32_t slotBits = 7;
+constexpr std::uint32_t slotMask = (1u << slotBits) - 1;
+constexpr std::uint32_t generationMask = (fontBit - 1) >> slotBits;
+// Decoded audio a channel holds before it becomes audible: about 90 ms.
+constexpr std::size_t prefillFrames = 4096;
+
+struct Slot {
+    std::mutex control; // serialises every call on this slot, from any thread
+    std::atomic<ChannelHandle> handle{0};
+    std::unique_ptr<Channel> channel;
+};
+
+struct FontEntry {
+    FontHandle handle = 0;
+    SoundFontRef font;
+};
+
+// The engine is one per process, like the device it drives. Its slots outlive init and free, so
+// that a handle kept by any thread always finds a lock to take and a generation to compare.
+struct Engine {
+    std::mutex lifecycle; // init, free, channel creation and the font table
+    bool initialized = false;
+    std::unique_ptr<Output> output;
+    std::set<std::string> roles;
+    std::array<Slot, maxChannels> slots;
+    MixerTable mixer;
+    std::uint32_t nextGeneration = 1;
+    std::vector<FontEntry> fonts;
+    std::vector<FontEntry> defaultFonts;
+
+    ~Engine() { shutDownLocked(); }
+    void shutDownLocked();
+    std::uint32_t takeGeneration() {
+        std::uint32_t g = nextGeneration++ & generationMask;
+        return g == 0 ? takeGeneration() : g;
+    }
+};
+
+Engine& engine() {
+    static Engine instance;
+    return instance;
+}
+
+thread_local EngineError lastError = EngineError::Ok;
+
+template <typename T> T fail(EngineError error, T value) {
+    lastError = error;
+    return value;
+}
+
+template <typename T> T succeed(T value) {
+    lastError = EngineError::Ok;
+    return value;
+}
+
+Slot* slotOf(ChannelHandle handle) {
+    if (handle == 0 || (handle & fontBit))
+        return nullptr;
+    std::uint32_t index = (handle & slotMask) - 1;
+    return index < maxChannels ? &engine().slots[index] : nullptr;
+}
+
+// Runs work(channel, slot) with the slot's lock held, if handle names a live channel.
+template <typename T, typename Work> T withChannel(ChannelHandle handle, T failed, Work work) {
+    Slot* slot = slotOf(handle);
+    if (!slot)
+        return fail(EngineError::Handle, failed);
+    std::lock_guard lock(slot->control);
+    if (slot->handle.load(std::memory_order_acquire) != handle || !slot->channel)
+        return fail(EngineError::Handle, failed);
+    return work(*slot->channel, *slot);
+}
+
+// Takes the channel out of the mixer's sight and out of its slot; the caller destroys it.
+std::unique_ptr<Channel> detachLocked(Slot& slot, int index) {
+    {
+        OutputLock lock(*engine().output);
+        engine().mixer.live[index].store(nullptr, std::memory_order_release);
+    }
+    slot.handle.store(0, std::memory_order_release);
+    return std::move(slot.channel);
+}
+
+void Engine::shutDownLocked() {
+    if (!initialized)
+        return;
+    std::vector<std::unique_ptr<Channel>> gone;
+    for (int i = 0; i < maxChannels; ++i) {
+        std::lock_guard lock(slots[i].control);
+        if (slots[i].channel)
+            gone.push_back(detachLocked(slots[i], i));
+    }
+    gone.clear(); // joins the decode threads
+    output.reset();
+    fonts.clear();
+    defaultFonts.clear();
+    initialized = false;
+}
+
+std::string lowerExtension(const std::string& path) {
+    std::size_t dot = path.find_last_of('.');
+    std::size_t slash = path.find_last_of('/');
+    if (dot == std::string::npos || (slash != std::string::npos && dot < slash))
+        return {};
+    std::string ext = path.substr(dot);
+    for (char& c : ext)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return ext;
+}
+
+// The decoder role a file needs, empty when the core decoders serve it.
+std::string roleOf(const std::string& ext) {
+    if (ext == ".mid" || ext == ".midi")
+        return "midi";
+    if (ext == ".m4a")
+        return "aac";
+    if (ext == ".flac")
+        return "flac";
+    return {};
+}
+
+std::vector<SoundFontRef> fontRefs(const std::vector<FontEntry>& entries) {
+    std::vector<SoundFontRef> refs;
+    for (const FontEntry& entry : entries)
+        refs.push_back(entry.font);
+    return refs;
+}
+
+std::vector<FontHandle> fontHandles(const std::vector<FontEntry>& entries) {
+    std::vector<FontHandle> handles;
+    for (const FontEntry& entry : entries)
+        handles.push_back(entry.handle);
+    return handles;
+}
+
+// Puts a new channel into a free slot and before the mixer; 0 when every slot is taken.
+ChannelHandle installChannel(std::unique_ptr<Channel> channel) {
+    Engine& e = engine();
+    for (int i = 0; i < maxChannels; ++i) {
+        Slot& slot = e.slots[i];
+        std::lock_guard lock(slot.control);
+        if (slot.channel)
+            continue;
+        ChannelHandle handle = (e.takeGeneration() << slotBits) | static_cast<std::uint32_t>(i + 1);
+        slot.channel = std::move(channel);
+        {
+            OutputLock outputLock(*e.output);
+            e.mixer.live[i].store(slot.channel.get(), std::memory_order_release);
+        }
+        slot.handle.store(handle, std::memory_order_release);
+        return succeed(handle);
+    }
+    return fail(EngineError::Memory, ChannelHandle{0});
+}
+
+ChannelHandle createChannel(const std::string& path, bool module) {
+    Engine& e = engine();
+    std::lock_guard lock(e.lifecycle);
+    if (!e.initialized)
+        return fail(EngineError::Init, ChannelHandle{0});
+    std::string role = module ? std::string() : roleOf(lowerExtension(path));
+    if (!role.empty() && !e.roles.count(role)) {
+        logOut("No %s decoder is loaded for %s\n", role.c_str(), path.c_str());
+        return fail(EngineError::FileFormat, ChannelHandle{0});
+    }
+    EngineError error = EngineError::Ok;
+    std::unique_ptr<Decoder> decoder;
+    std::vector<FontHandle> fonts;
+    if (module) {
+        decoder = openModuleDecoder(path, error);
+    } else if (role == "midi") {
+        decoder = openMidiDecoder(path, fontRefs(e.defaultFonts), error);
+        fonts = fontHandles(e.defaultFonts);
+    } else {
+        decoder = openFfmpegDecoder(path, error);
+    }
+    if (!decoder)
+        return fail(error, ChannelHandle{0});
+    auto channel = std::make_unique<Channel>(std::move(decoder), !module);
+    channel->fonts = std::move(fonts);
+    channel->volume.store(VolumeRamp{});
+    return installChannel(std::move(channel));
+}
+
+bool freeChannel(ChannelHandle handle) {
+    std::unique_ptr<Channel> gone;
+    bool ok = withChannel(handle, false, [&](Channel&, Slot& slot) {
+        gone = detachLocked(slot, static_cast<int>((handle & slotMask) - 1));
+        return true;
+    });
+    gone.reset(); // joins its decode thread outside the slot's lock
+    return ok ? succeed(true) : false;
+}
+
+std::uint64_t toBytes(const Channel& ch, std::uint64_t frames) {
+    std::uint64_t sourceFrames =
+        frames * static_cast<std::uint64_t>(ch.sourceRate) / static_cast<std::uint64_t>(engineRate);
+    return sourceFrames * static_cast<std::uint64_t>(ch.sourceChannels) * 2;
+}
+
+std::uint64_t toFrames(const Channel& ch, std::uint64_t bytes) {
+    std::uint64_t sourceFrames = bytes / (static_cast<std::uint64_t>(ch.sourceChannels) * 2);
+    return (sourceFrames * engineRate + static_cast<std::uint64_t>(ch.sourceRate) / 2) /
+           static_cast<std::uint64_t>(ch.sourceRate);
+}
+
+std::uint64_t msToFrames(int milliseconds) {
+    return milliseconds <= 0 ? 0 : static_cast<std::uint64_t>(milliseconds) * engineRate / 1000;
+}
+
+} // namespace
+
+// --- Set-up.
+
+std::uint32_t pluginLoad(const std::string& name) {
+    std::string lower = name;
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    std::string role = lower.find("midi") != std::string::npos   ? "midi"
+                       : lower.find("aac") != std::string::npos  ? "aac"
+                       : lower.find("flac") != std::string::npos ? "flac"
+                                                                 : "";
+    if (role.empty())
+        return fail(EngineError::FileOpen, 0u);
+    if (!decoderRoleAvailable(role))
+        return fail(EngineError::FileFormat, 0u);
+    std::lock_guard lock(engine().lifecycle);
+    engine().roles.insert(role);
+    return succeed(0x40000000u | static_cast<std::uint32_t>(role.size()));
+}
+
+void pluginFreeAll() {
+    std::lock_guard lock(engine().lifecycle);
+    engine().roles.clear();
+}
+
+bool engineInit(AudioOutput kind) {
+    Engine& e = engine();
+    std::lock_guard lock(e.lifecycle);
+    if (e.initialized)
+        return fail(EngineError::Already, false);
+    EngineError error = EngineError::Ok;
+    e.output = kind == AudioOutput::Null ? openNullOutput() : openDeviceOutput(e.mixer, error);
+    if (!e.output)
+        return fail(error, false);
+    e.initialized = true;
+    return succeed(true);
+}
+
+bool engineFree() {
+    Engine& e = engine();
+    std::lock_guard lock(e.lifecycle);
+    if (!e.initialized)
+        return fail(EngineError::Init, false);
+    e.shutDownLocked();
+    return succeed(true);
+}
+
+EngineError engineErrorCode() {
+    return lastError;
+}
+
+// --- Channels.
+
+ChannelHandle streamCreateFile(const std::string& path) {
+    return createChannel(path, false);
+}
+
+ChannelHandle streamCreateUrl(const std::string&) {
+    std::lock_guard lock(engine().lifecycle);
+    if (!engine().initialized)
+        return fail(EngineError::Init, ChannelHandle{0});
+    return fail(EngineError::NotAvailable, ChannelHandle{0});
+}
+
+ChannelHandle musicLoad(const std::string& path) {
+    return createChannel(path, true);
+}
+
+bool channelPlay(ChannelHandle handle) {
+    return withChannel(handle, false, [](Channel& ch, Slot&) {
+        int state = ch.state.load(std::memory_order_acquire);
+        if (state == static_cast<int>(ChannelState::Playing))
+            return succeed(true);
+        // Audible only once there is audio to hear, so the start never begins with a gap.
+        auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+        while (!ch.hasPrefill(prefillFrames) && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::microseconds(200));
+        ch.state.store(static_cast<int>(ChannelState::Playing), std::memory_order_release);
+        return succeed(true);
+    });
+}
+
+bool channelPause(ChannelHandle handle) {
+    return withChannel(handle, false, [](Channel& ch, Slot&) {
+        int expected = static_cast<int>(ChannelState::Playing);
+        if (!ch.state.compare_exchange_strong(expected, static_cast<int>(ChannelState::Paused)))
+            return fail(EngineError::NotPlaying, false);
+        return succeed(true);
+    });
+}
+
+bool channelStop(ChannelHandle handle) {
+    return withChannel(handle, false, [](Channel& ch, Slot&) {
+        ch.state.store(static_cast<int>(ChannelState::Stopped), std::memory_order_release);
+        return succeed(true);
+    });
+}
+
+ChannelState channelIsActive(ChannelHandle handle) {
+    return withChannel(handle, ChannelState::Stopped, [](Channel& ch, Slot&) {
+        return succeed(static_cast<ChannelState>(ch.state.load(std::memory_order_acquire)));
+    });
+}
+
+bool streamFree(ChannelHandle handle) {
+    return freeChannel(handle);
+}
+
+bool musicFree(ChannelHandle handle) {
+    return freeChannel(handle);
+}
+
+// --- Volume, positions, tags.
+
+bool channelSetVolume(ChannelHandle handle, float volume) {
+    return withChannel(handle, false, [volume](Channel& ch, Slot&) {
+        std::uint64_t now = ch.played.load(std::memory_order_acquire);
+        ch.volume.store(VolumeRamp{volume, volume, now, 0});
+        return succeed(true);
+    });
+}
+
+bool channelGetVolume(ChannelHandle handle, float& volume) {
+    return withChannel(handle, false, [&volume](Channel& ch, Slot&) {
+        volume = ch.volume.load().at(ch.played.load(std::memory_order_acquire));
+        return succeed(true);
+    });
+}
+
+bool channelSlideVolume(ChannelHandle handle, float target, int milliseconds) {
+    return withChannel(handle, false, [=](Channel& ch, Slot&) {
+        std::uint64_t now = ch.played.load(std::memory_order_acquire);
+        float from = ch.volume.load().at(now);
+        ch.volume.store(VolumeRamp{from, target, now, msToFrames(milliseconds)});
+        return succeed(true);
+    });
+}
+
+std::uint64_t channelGetLength(ChannelHandle handle) {
+    return withChannel(handle, noPosition,
+                       [](Channel& ch, Slot&) { return succeed(toBytes(ch, ch.lengthFrames)); });
+}
+
+std::uint64_t channelGetPosition(ChannelHandle handle) {
+    return withChannel(handle, noPosition, [](Channel& ch, Slot&) {
+        return succeed(toBytes(ch, ch.position.load(std::memory_order_acquire)));
+    });
+}
+
+double channelBytesToSeconds(ChannelHandle handle, std::uint64_t bytes) {
+    return withChannel(handle, -1.0, [bytes](Channel& ch, Slot&) {
+        double perSecond = static_cast<double>(ch.sourceRate) * ch.sourceChannels * 2;
+        return succeed(static_cast<double>(bytes) / perSecond);
+    });
+}
+
+std::uint64_t channelSecondsToBytes(ChannelHandle handle, double seconds) {
+    return withChannel(handle, noPosition, [seconds](Channel& ch, Slot&) {
+        if (seconds < 0)
+            return fail(EngineError::IllegalParam, noPosition);
+        auto sourceFrames = static_cast<std::uint64_t>(seconds * ch.sourceRate);
+        return succeed(sourceFrames * static_cast<std::uint64_t>(ch.sourceChannels) * 2);
+    });
+}
+
+bool channelSetPosition(ChannelHandle handle, std::uint64_t bytes) {
+    return withChannel(handle, false, [bytes](Channel& ch, Slot&) {
+        if (bytes > toBytes(ch, ch.lengthFrames))
+            return fail(EngineError::Position, false);
+        std::uint64_t frame = std::min(toFrames(ch, bytes), ch.lengthFrames);
+        std::lock_guard decoderLock(ch.decoderLock);
+        if (!ch.decoder->seek(frame))
+            return fail(EngineError::Position, false);
+        OutputLock outputLock(*engine().output);
+        ch.restartAt(frame);
+        return succeed(true);
+    });
+}
+
+const char* channelGetTags(ChannelHandle handle, TagKind) {
+    return withChannel(handle, static_cast<const char*>(nullptr), [](Channel&, Slot&) {
+        return fail(EngineError::NotAvailable, static_cast<const char*>(nullptr));
+    });
+}
+
+// --- MIDI.
+
+FontHandle midiFontInit(const std::string& path) {
+    Engine& e = engine();
+    std::lock_guard lock(e.lifecycle);
+    if (!e.initialized)
+        return fail(EngineError::Init, FontHandle{0});
+    EngineError error = EngineError::Ok;
+    SoundFontRef font = loadSoundFont(path, error);
+    if (!font)
+        return fail(error, FontHandle{0});
+    FontHandle handle = fontBit | (e.takeGeneration() << slotBits);
+    e.fonts.push_back(FontEntry{handle, std::move(font)});
+    return succeed(handle);
+}
+
+bool midiFontFree(FontHandle font) {
+    if (font == 0)
+        return succeed(true);
+    Engine& e = engine();
+    std::lock_guard lock(e.lifecycle);
+    auto named = [font](const FontEntry& entry) { return entry.handle == font; };
+    auto it = std::find_if(e.fonts.begin(), e.fonts.end(), named);
+    if (it == e.fonts.end())
+        return fail(EngineError::Handle, false);
+    e.fonts.erase(it);
+    // Streams that use it keep their own reference; only streams to come lose it.
+    std::erase_if(e.defaultFonts, named);
+    return succeed(true);
+}
+
+bool midiStreamSetFonts(ChannelHandle stream, const MidiFontRecord* records, int count) {
+    Engine& e = engine();
+    std::vector<FontEntry> chosen;
+    {
+        std::lock_guard lock(e.lifecycle);
+        if (!e.initialized)
+            return fail(EngineError::Init, false);
+        for (int i = 0; i < count; ++i) {
+            auto it = std::find_if(e.fonts.begin(), e.fonts.end(), [&](const FontEntry& entry) {
+                return entry.handle == records[i].font;
+            });
+            if (it == e.fonts.end())
+                return fail(EngineError::Handle, false);
+            chosen.push_back(*it);
+        }
+        if (stream == 0) {
+            e.defaultFonts = chosen;
+            return succeed(true);
+        }
+    }
+    return withChannel(stream, false, [&chosen](Channel& ch, Slot&) {
+        if (!ch.midi)
+            return fail(EngineError::IllegalType, false);
+        std::lock_guard decoderLock(ch.decoderLock);
+        ch.midi->setFonts(fontRefs(chosen));
+        ch.fonts = fontHandles(chosen);
+        return succeed(true);
+    });
+}
+
+int midiStreamGetFonts(ChannelHandle stream, MidiFontRecord* out, int count) {
+    auto report = [out, count](const std::vector<FontHandle>& fonts) {
+        for (int i = 0; out && i < count && i < static_cast<int>(fonts.size()); ++i)
+            out[i] = MidiFontRecord{fonts[i], -1, 0};
+        return succeed(static_cast<int>(fonts.size()));
+    };
+    if (stream == 0) {
+        std::lock_guard lock(engine().lifecycle);
+        if (!engine().initialized)
+            return fail(EngineError::Init, -1);
+        return report(fontHandles(engine().defaultFonts));
+    }
+    return withChannel(stream, -1, [&report](Channel& ch, Slot&) {
+        if (!ch.midi)
+            return fail(EngineError::IllegalType, -1);
+        return report(ch.fonts);
+    });
+}
+
+// --- For tests and benchmarks.
+
+std::vector<float> nullOutputPull(std::size_t frames) {
+    Engine& e = engine();
+    if (!e.initialized || !e.output || !e.output->pullable())
+        return {};
+    std::vector<float> mixed(frames * 2);
+    constexpr std::size_t block = 1024;
+    for (std::size_t done = 0; done < frames; done += block) {
+        std::size_t count = std::min(block, frames - done);
+        // Not real time: wait for the decoders, so a test hears the same mix on every run. The
+        // lock keeps every channel in place while it is waited for.
+        OutputLock lock(*e.output);
+        for (auto& live : e.mixer.live) {
+            Channel* ch = live.load(std::memory_order_acquire);
+            if (!ch || ch->state.load() != static_cast<int>(ChannelState::Playing))
+                continue;
+            for (int i = 0; i < 20000 && !ch->hasPrefill(count); ++i)
+                std::this_thread::sleep_for(std::chrono::microseconds(100));
+        }
+        mixBlock(e.mixer, mixed.data() + done * 2, count);
+    }
+    return mixed;
+}
+
+int channelUnderruns(ChannelHandle handle) {
+    return withChannel(handle, -1, [](Channel& ch, Slot&) {
+        return succeed(ch.underruns.load(std::memory_order_relaxed));
+    });
+}

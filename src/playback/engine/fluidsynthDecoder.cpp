@@ -1,0 +1,540 @@
+// MIDI through FluidSynth: one synth and one player per stream, fonts shared between streams.
+#include "core/log.h"
+#include "playback/engine/decoder.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fluidsynth.h>
+#include <mutex>
+#include <optional>
+
+namespace {
+
+struct DeleteSettings {
+    void operator()(fluid_settings_t* s) const { delete_fluid_settings(s); }
+};
+struct DeleteSynth {
+    void operator()(fluid_synth_t* s) const { delete_fluid_synth(s); }
+};
+struct DeletePlayer {
+    void operator()(fluid_player_t* p) const { delete_fluid_player(p); }
+};
+using SettingsPtr = std::unique_ptr<fluid_settings_t, DeleteSettings>;
+using SynthPtr = std::unique_ptr<fluid_synth_t, DeleteSynth>;
+using PlayerPtr = std::unique_ptr<fluid_player_t, DeletePlayer>;
+
+void logFluidError(int, const char* message, void*) {
+    logOut("fluidsynth: %s\n", message);
+}
+
+// FluidSynth keeps its log handlers process-wide, and builds its shared tables in the first synth
+// made without a lock, so two decode threads opening their first songs could race for them: both
+// are done here, once, before any other FluidSynth object. Its errors stay visible; its warnings
+// (a preset missing for a channel, on every such note), information and debugging lines would only
+// flood the log.
+void prepareFluidSynth() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        fluid_set_log_function(FLUID_PANIC, logFluidError, nullptr);
+        fluid_set_log_function(FLUID_ERR, logFluidError, nullptr);
+        fluid_set_log_function(FLUID_WARN, nullptr, nullptr);
+        fluid_set_log_function(FLUID_INFO, nullptr, nullptr);
+        fluid_set_log_function(FLUID_DBG, nullptr, nullptr);
+        SettingsPtr settings(new_fluid_settings());
+        if (settings)
+            SynthPtr(new_fluid_synth(settings.get()));
+    });
+}
+
+// Settings for a synth that nobody plays through a device: no driver is ever created, and the
+// sample data is not pinned to RAM (a desktop player should not lock hundreds of megabytes; the
+// fluidsynth command does the same when it renders to a file). Reverb, chorus, polyphony and
+// interpolation keep FluidSynth's defaults, so a song sounds as the fluidsynth command plays it.
+SettingsPtr makeSettings() {
+    SettingsPtr settings(new_fluid_settings());
+    if (!settings)
+        return nullptr;
+    fluid_settings_setnum(settings.get(), "synth.sample-rate", double(engineRate));
+    fluid_settings_setint(settings.get(), "synth.lock-memory", 0);
+    fluid_settings_setstr(settings.get(), "player.timing-source", "sample");
+    return settings;
+}
+
+std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path, int& errorNumber) {
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                         &std::fclose);
+    if (!file) {
+        errorNumber = errno;
+        return std::nullopt;
+    }
+    std::vector<unsigned char> bytes;
+    unsigned char chunk[16384];
+    std::size_t got = 0;
+    while ((got = std::fread(chunk, 1, sizeof chunk, file.get())) > 0) {
+        bytes.insert(bytes.end(), chunk, chunk + got);
+        if (bytes.size() >= 4 && std::memcmp(bytes.data(), "MThd", 4) != 0)
+            break; // not MIDI: an album's worth of audio named .mid need not be read
+    }
+    if (std::ferror(file.get())) {
+        errorNumber = errno;
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+// ---- The file's own timing -----------------------------------------------------------------
+// FluidSynth's player only knows a file's length once it plays it, so the length and the
+// frame-to-tick conversion of a seek come from reading the tracks here: a tempo map over all
+// tracks, and the end at the last event of any track, end-of-track included.
+
+struct TempoPoint {
+    std::uint64_t tick = 0;
+    double seconds = 0.0;
+    double secondsPerTick = 0.0;
+};
+
+struct MidiTiming {
+    std::vector<TempoPoint> tempoMap; // starts at tick 0
+    std::uint64_t endTick = 0;
+
+    double secondsAt(double tick) const {
+        auto it = std::find_if(tempoMap.rbegin(), tempoMap.rend(),
+                               [&](const TempoPoint& p) { return double(p.tick) <= tick; });
+        return it->seconds + (tick - double(it->tick)) * it->secondsPerTick;
+    }
+    double tickAt(double seconds) const {
+        auto it = std::find_if(tempoMap.rbegin(), tempoMap.rend(),
+                               [&](const TempoPoint& p) { return p.seconds <= seconds; });
+        return double(it->tick) + (seconds - it->seconds) / it->secondsPerTick;
+    }
+};
+
+struct TempoEvent {
+    std::uint64_t tick;
+    std::uint32_t microsPerQuarter;
+};
+
+class ByteReader {
+  public:
+    ByteReader(const unsigned char* begin, const unsigned char* end) : at_(begin), end_(end) {}
+    bool done() const { return at_ >= end_; }
+    bool has(std::size_t n) const { return std::size_t(end_ - at_) >= n; }
+    unsigned char peek() const { return *at_; }
+    unsigned char byte() { return *at_++; }
+    void skip(std::size_t n) { at_ += n; }
+    // The next n bytes as a reader of their own; this one moves past them.
+    ByteReader take(std::size_t n) {
+        ByteReader part(at_, at_ + n);
+        at_ += n;
+        return part;
+    }
+    std::uint32_t bigEndian(int n) {
+        std::uint32_t value = 0;
+        while (n-- > 0)
+            value = value << 8 | *at_++;
+        return value;
+    }
+    // A variable-length quantity of at most four bytes; false if it runs off the end.
+    bool varLen(std::uint32_t& value) {
+        value = 0;
+        for (int i = 0; i < 4 && !done(); ++i) {
+            unsigned char b = byte();
+            value = value << 7 | (b & 0x7F);
+            if (!(b & 0x80))
+                return true;
+        }
+        return false;
+    }
+
+  private:
+    const unsigned char* at_;
+    const unsigned char* end_;
+};
+
+// Walks one track; returns the tick of its last event, or nothing if the track is damaged.
+std::optional<std::uint64_t> readTrack(ByteReader track, std::vector<TempoEvent>& tempos) {
+    std::uint64_t tick = 0;
+    unsigned char running = 0;
+    while (!track.done()) {
+        std::uint32_t delta = 0;
+        if (!track.varLen(delta) || track.done())
+            return std::nullopt;
+        tick += delta;
+        // Any status byte, a meta event's too, becomes the running status, as FluidSynth's
+        // reader takes it: the length must be that of the song FluidSynth plays.
+        if (track.peek() & 0x80)
+            running = track.byte();
+        unsigned char status = running;
+        std::uint32_t length = 0;
+        if (status == 0xFF) {
+            if (!track.has(1))
+                return std::nullopt;
+            unsigned char type = track.byte();
+            if (!track.varLen(length) || !track.has(length))
+                return std::nullopt;
+            if (type == 0x51 && length == 3) {
+                std::uint32_t micros = track.bigEndian(3);
+                if (micros > 0) // a tempo of zero would stop the clock
+                    tempos.push_back({tick, micros});
+            } else {
+                track.skip(length);
+            }
+            if (type == 0x2F)
+                return tick;
+        } else if (status == 0xF0 || status == 0xF7) {
+            if (!track.varLen(length) || !track.has(length))
+                return std::nullopt;
+            track.skip(length);
+        } else if (status >= 0x80 && status < 0xF0) {
+            std::size_t dataBytes = (status & 0xE0) == 0xC0 ? 1 : 2; // program, channel pressure
+            if (!track.has(dataBytes))
+                return std::nullopt;
+            track.skip(dataBytes);
+        } else {
+            return std::nullopt; // a data byte with no status before it, or a real-time byte
+        }
+    }
+    return tick;
+}
+
+MidiTiming buildTempoMap(int division, std::vector<TempoEvent> tempos, std::uint64_t endTick) {
+    std::stable_sort(tempos.begin(), tempos.end(),
+                     [](const TempoEvent& a, const TempoEvent& b) { return a.tick < b.tick; });
+    MidiTiming timing;
+    timing.endTick = endTick;
+    timing.tempoMap.push_back({0, 0.0, 0.5 / division}); // 120 bpm until told otherwise
+    for (const TempoEvent& tempo : tempos) {
+        double secondsPerTick = tempo.microsPerQuarter / 1e6 / division;
+        if (tempo.tick == timing.tempoMap.back().tick)
+            timing.tempoMap.back().secondsPerTick = secondsPerTick;
+        else
+            timing.tempoMap.push_back(
+                {tempo.tick, timing.secondsAt(double(tempo.tick)), secondsPerTick});
+    }
+    return timing;
+}
+
+enum class MidiProblem { None, NotMidi, Smpte };
+
+// A Standard MIDI File: "MThd", then its tracks; chunks of other kinds are skipped, as players do.
+MidiTiming readMidiTiming(const std::vector<unsigned char>& bytes, MidiProblem& problem) {
+    ByteReader file(bytes.data(), bytes.data() + bytes.size());
+    problem = MidiProblem::NotMidi;
+    if (!file.has(14) || std::memcmp(bytes.data(), "MThd", 4) != 0)
+        return {};
+    file.skip(4);
+    std::uint32_t headerLength = file.bigEndian(4);
+    if (headerLength < 6 || !file.has(headerLength))
+        return {};
+    file.skip(2); // format: FluidSynth plays the tracks of 0, 1 and 2 side by side alike
+    std::uint32_t trackCount = file.bigEndian(2);
+    std::uint32_t division = file.bigEndian(2);
+    file.skip(headerLength - 6);
+    if (division & 0x8000) {
+        problem = MidiProblem::Smpte; // FluidSynth's player refuses frame-based time
+        return {};
+    }
+    if (division == 0 || trackCount == 0)
+        return {};
+    std::vector<TempoEvent> tempos;
+    std::uint64_t endTick = 0;
+    std::uint32_t tracksRead = 0;
+    while (tracksRead < trackCount && file.has(8)) {
+        char id[4];
+        for (char& c : id)
+            c = static_cast<char>(file.byte());
+        std::uint32_t length = file.bigEndian(4);
+        if (!file.has(length))
+            return {};
+        ByteReader chunk = file.take(length);
+        if (std::memcmp(id, "MTrk", 4) != 0)
+            continue;
+        std::optional<std::uint64_t> last = readTrack(chunk, tempos);
+        if (!last)
+            return {};
+        endTick = std::max(endTick, *last);
+        ++tracksRead;
+    }
+    if (tracksRead == 0)
+        return {};
+    problem = MidiProblem::None;
+    return buildTempoMap(int(division), std::move(tempos), endTick);
+}
+
+} // namespace
+
+// A soundfont loaded into a synth of its own that never plays. FluidSynth keeps the sample data
+// of every loaded font in a process-wide cache, keyed by file name and counted by the fonts that
+// use it: while this holder lives, each stream that loads the same path shares those samples
+// instead of reading the file's sample data again.
+class SoundFont {
+  public:
+    SoundFont(std::string path, SettingsPtr settings, SynthPtr holder)
+        : path_(std::move(path)), settings_(std::move(settings)), holder_(std::move(holder)) {}
+    SoundFont(const SoundFont&) = delete;
+    SoundFont& operator=(const SoundFont&) = delete;
+
+    const std::string& path() const { return path_; }
+
+  private:
+    std::string path_;     // canonical: the cache compares file names as strings
+    SettingsPtr settings_; // declared before the synth, which must go first
+    SynthPtr holder_;
+};
+
+namespace {
+
+constexpr std::size_t blockFrames = 64; // FluidSynth renders, and its player ticks, per block
+
+class FluidMidiDecoder final : public MidiDecoder {
+  public:
+    FluidMidiDecoder(std::string path, std::vector<unsigned char> bytes, const MidiTiming& timing,
+                     SettingsPtr settings, SynthPtr synth)
+        : path_(std::move(path)), bytes_(std::move(bytes)), timing_(timing),
+          length_(framesAt(timing.endTick)), settings_(std::move(settings)),
+          synth_(std::move(synth)) {}
+
+    std::size_t render(float* out, std::size_t frames) override {
+        auto count = static_cast<std::size_t>(std::min<std::uint64_t>(frames, length_ - position_));
+        if (player_)
+            pull(out, count);
+        // Without a font the player still runs, so that a font set later comes in on time; the
+        // output is made plain zeros, since FluidSynth's effects add a tiny offset against
+        // denormal numbers that would read as not quite silence.
+        if (!player_ || fontIds_.empty())
+            std::fill(out, out + 2 * count, 0.0f);
+        position_ += count;
+        return count;
+    }
+
+    // Fails only beyond the end, or when memory runs out with the old player gone: the stream is
+    // then silent.
+    bool seek(std::uint64_t frame) override {
+        if (frame > length_)
+            return false;
+        if (restart(frame))
+            return true;
+        logOut("midi: cannot seek in %s\n", path_.c_str());
+        return false;
+    }
+
+    std::uint64_t lengthFrames() const override { return length_; }
+    int sourceRate() const override { return engineRate; }
+    int sourceChannels() const override { return 2; }
+
+    void setFonts(const std::vector<SoundFontRef>& fonts) override;
+    bool restart(std::uint64_t frame);
+
+  private:
+    std::uint64_t framesAt(std::uint64_t tick) const {
+        return static_cast<std::uint64_t>(
+            std::llround(timing_.secondsAt(double(tick)) * engineRate));
+    }
+    void pull(float* out, std::size_t frames);
+    void synthesize(float* out, std::size_t frames);
+
+    std::string path_;
+    std::vector<unsigned char> bytes_; // the player parses the file again on every restart
+    MidiTiming timing_;
+    std::uint64_t length_;
+    std::uint64_t position_ = 0;
+    std::vector<SoundFontRef> fonts_; // keeps the shared samples alive under the synth's fonts
+    std::vector<int> fontIds_;
+    SettingsPtr settings_; // then synth, then player: each dies before what it uses
+    SynthPtr synth_;
+    PlayerPtr player_;
+    // The synth is only ever asked for whole blocks, so that nothing it rendered before a seek
+    // can come out after it; the rest of a block waits here.
+    std::array<float, 2 * blockFrames> staging_{};
+    std::size_t stagingAt_ = 0;
+    std::size_t stagingLeft_ = 0;
+};
+
+// One block per call: given many, FluidSynth renders them in one go and, once the voices run out,
+// steals different ones than block by block. Block by block, the audio does not depend on how the
+// engine sizes its reads, and is the fluidsynth command's, sample for sample.
+void FluidMidiDecoder::synthesize(float* out, std::size_t frames) {
+    for (; frames > 0; frames -= blockFrames, out += 2 * blockFrames)
+        if (fluid_synth_write_float(synth_.get(), int(blockFrames), out, 0, 2, out, 1, 2) !=
+            FLUID_OK)
+            std::fill(out, out + 2 * blockFrames, 0.0f);
+}
+
+void FluidMidiDecoder::pull(float* out, std::size_t frames) {
+    while (frames > 0) {
+        if (stagingLeft_ > 0) {
+            std::size_t count = std::min(frames, stagingLeft_);
+            std::copy_n(staging_.data() + 2 * stagingAt_, 2 * count, out);
+            stagingAt_ += count;
+            stagingLeft_ -= count;
+            out += 2 * count;
+            frames -= count;
+        } else if (frames >= blockFrames) {
+            std::size_t whole = frames - frames % blockFrames;
+            synthesize(out, whole);
+            out += 2 * whole;
+            frames -= whole;
+        } else {
+            synthesize(staging_.data(), blockFrames);
+            stagingAt_ = 0;
+            stagingLeft_ = blockFrames;
+        }
+    }
+}
+
+// FluidSynth's own seek keeps whatever the song set after the target (a program, a bend) and
+// works only on a running player; a fresh player on a reset synth replays the song's set-up events
+// up to the target instead, without its notes, as if it had played from the start. The player
+// can only start on a whole tick: it starts on the one at or before the frame, and the audio up
+// to the frame is dropped, so that the notes after it come at their own time.
+bool FluidMidiDecoder::restart(std::uint64_t frame) {
+    player_.reset();
+    fluid_synth_system_reset(synth_.get()); // silences every voice and the effects' tails
+    stagingLeft_ = 0;
+    double exactTick = timing_.tickAt(double(frame) / engineRate);
+    auto tick = std::min<std::uint64_t>(static_cast<std::uint64_t>(std::floor(exactTick + 1e-6)),
+                                        timing_.endTick);
+    PlayerPtr player(new_fluid_player(synth_.get()));
+    // A seek before play: once playing, the player refuses ticks beyond the tracks it has not
+    // loaded yet.
+    if (!player || fluid_player_add_mem(player.get(), bytes_.data(), bytes_.size()) != FLUID_OK ||
+        fluid_player_seek(player.get(), int(std::min<std::uint64_t>(tick, INT32_MAX))) !=
+            FLUID_OK ||
+        fluid_player_play(player.get()) != FLUID_OK)
+        return false;
+    player_ = std::move(player);
+    std::uint64_t skip = frame - std::min(frame, framesAt(tick));
+    std::array<float, 2 * blockFrames * 16> dropped;
+    while (skip > 0) {
+        std::size_t count = std::min<std::size_t>(skip, dropped.size() / 2);
+        pull(dropped.data(), count);
+        skip -= count;
+    }
+    position_ = frame;
+    return true;
+}
+
+// FluidSynth looks for a preset in the most recently loaded font first, so the list is loaded
+// from its end: where several fonts have a preset, the first font of the list wins.
+void FluidMidiDecoder::setFonts(const std::vector<SoundFontRef>& fonts) {
+    if (!fontIds_.empty()) {
+        // Notes still sounding would hold the old fonts, which FluidSynth then frees later from a
+        // timer thread of its own; silenced, they let go at once.
+        fluid_synth_all_sounds_off(synth_.get(), -1);
+        for (int id : fontIds_)
+            fluid_synth_sfunload(synth_.get(), id, 1);
+        fontIds_.clear();
+    }
+    for (auto font = fonts.rbegin(); font != fonts.rend(); ++font) {
+        if (!*font)
+            continue;
+        int id = fluid_synth_sfload(synth_.get(), (*font)->path().c_str(), 1);
+        if (id == FLUID_FAILED)
+            logOut("midi: cannot load %s for %s\n", (*font)->path().c_str(), path_.c_str());
+        else
+            fontIds_.push_back(id);
+    }
+    fonts_ = fonts; // only now may the old fonts go: a font in both lists is not read twice
+}
+
+enum class FontHeader { Unreadable, Other, SoundFont };
+
+FontHeader readFontHeader(const std::string& path, int& errorNumber) {
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                         &std::fclose);
+    unsigned char header[12];
+    std::size_t got = file ? std::fread(header, 1, sizeof header, file.get()) : 0;
+    if (!file || std::ferror(file.get())) {
+        errorNumber = errno;
+        return FontHeader::Unreadable;
+    }
+    bool riff = got == sizeof header && std::memcmp(header, "RIFF", 4) == 0 &&
+                std::memcmp(header + 8, "sfbk", 4) == 0;
+    return riff ? FontHeader::SoundFont : FontHeader::Other;
+}
+
+// Null if FluidSynth cannot parse the file.
+SoundFontRef loadHeldFont(const std::string& path, bool& noMemory) {
+    std::error_code ec;
+    std::filesystem::path canonical = std::filesystem::canonical(path, ec);
+    std::string name = ec ? path : canonical.string();
+    SettingsPtr settings = makeSettings();
+    if (settings) {
+        // The holder never plays: one voice and no effects keep it small.
+        fluid_settings_setint(settings.get(), "synth.polyphony", 1);
+        fluid_settings_setint(settings.get(), "synth.reverb.active", 0);
+        fluid_settings_setint(settings.get(), "synth.chorus.active", 0);
+    }
+    SynthPtr holder(settings ? new_fluid_synth(settings.get()) : nullptr);
+    noMemory = !holder;
+    if (!holder || fluid_synth_sfload(holder.get(), name.c_str(), 0) == FLUID_FAILED)
+        return nullptr;
+    return std::make_shared<const SoundFont>(name, std::move(settings), std::move(holder));
+}
+
+} // namespace
+
+SoundFontRef loadSoundFont(const std::string& path, EngineError& error) {
+    prepareFluidSynth();
+    int errorNumber = 0;
+    FontHeader header = readFontHeader(path, errorNumber);
+    if (header == FontHeader::Unreadable) {
+        logOut("soundfont: cannot open %s: %s\n", path.c_str(), std::strerror(errorNumber));
+        error = EngineError::FileOpen;
+        return nullptr;
+    }
+    bool noMemory = false;
+    SoundFontRef font = header == FontHeader::SoundFont ? loadHeldFont(path, noMemory) : nullptr;
+    if (font) {
+        error = EngineError::Ok;
+        return font;
+    }
+    if (noMemory)
+        logOut("soundfont: no memory to load %s\n", path.c_str());
+    else
+        logOut("soundfont: %s is not a SoundFont\n", path.c_str());
+    error = noMemory ? EngineError::Memory : EngineError::FileFormat;
+    return nullptr;
+}
+
+std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,
+                                             const std::vector<SoundFontRef>& fonts,
+                                             EngineError& error) {
+    prepareFluidSynth();
+    int errorNumber = 0;
+    std::optional<std::vector<unsigned char>> bytes = readWholeFile(path, errorNumber);
+    if (!bytes) {
+        logOut("midi: cannot open %s: %s\n", path.c_str(), std::strerror(errorNumber));
+        error = EngineError::FileOpen;
+        return nullptr;
+    }
+    MidiProblem problem = MidiProblem::None;
+    MidiTiming timing = readMidiTiming(*bytes, problem);
+    if (problem != MidiProblem::None) {
+        bool smpte = problem == MidiProblem::Smpte;
+        logOut(smpte ? "midi: %s counts time in SMPTE frames, which FluidSynth cannot play\n"
+                     : "midi: %s is not a MIDI file\n",
+               path.c_str());
+        error = smpte ? EngineError::Codec : EngineError::FileFormat;
+        return nullptr;
+    }
+    SettingsPtr settings = makeSettings();
+    SynthPtr synth(settings ? new_fluid_synth(settings.get()) : nullptr);
+    auto decoder = synth ? std::make_unique<FluidMidiDecoder>(path, std::move(*bytes), timing,
+                                                              std::move(settings), std::move(synth))
+                         : nullptr;
+    if (decoder)
+        decoder->setFonts(fonts);
+    if (!decoder || !decoder->restart(0)) {
+        logOut("midi: no memory for a synthesiser for %s\n", path.c_str());
+        error = EngineError::Memory;
+        return nullptr;
+    }
+    error = EngineError::Ok;
+    return decoder;
+}

@@ -1,0 +1,69 @@
+#include "playback/engine/mixer.h"
+
+#include "playback/engine/channel.h"
+#include "playback/engine/engine.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int playing = static_cast<int>(ChannelState::Playing);
+constexpr int stopped = static_cast<int>(ChannelState::Stopped);
+
+// The ring frame at which the source position next jumps, or none.
+bool nextMark(const Channel& ch, PositionMark& mark) {
+    std::uint32_t read = ch.marksRead.load(std::memory_order_relaxed);
+    if (read == ch.marksWritten.load(std::memory_order_acquire))
+        return false;
+    mark = ch.marks[read % ch.marks.size()];
+    return true;
+}
+
+void mixChannel(Channel& ch, float* out, std::size_t frames) {
+    const VolumeRamp ramp = ch.volume.load();
+    std::uint64_t played = ch.played.load(std::memory_order_relaxed);
+    std::uint64_t position = ch.position.load(std::memory_order_relaxed);
+    std::uint64_t ringIndex = ch.ring.read();
+    std::size_t count = std::min(ch.ring.available(), frames);
+
+    PositionMark mark;
+    bool hasMark = nextMark(ch, mark);
+    for (std::size_t i = 0; i < count; ++i) {
+        while (hasMark && mark.ringIndex <= ringIndex + i) {
+            position = mark.position;
+            ch.marksRead.fetch_add(1, std::memory_order_release);
+            hasMark = nextMark(ch, mark);
+        }
+        float volume = ramp.at(played + i);
+        out[2 * i] += ch.ring.left(i) * volume;
+        out[2 * i + 1] += ch.ring.right(i) * volume;
+        ++position;
+    }
+    ch.ring.consume(count);
+    ch.played.store(played + count, std::memory_order_relaxed);
+    if (count == frames) {
+        ch.position.store(position, std::memory_order_release);
+        return;
+    }
+    if (ch.ended.load(std::memory_order_acquire) &&
+        ch.ring.read() >= ch.endIndex.load(std::memory_order_relaxed)) {
+        // A module that played out keeps reporting its length.
+        ch.position.store(ch.lengthFrames, std::memory_order_release);
+        int expected = playing;
+        ch.state.compare_exchange_strong(expected, stopped, std::memory_order_acq_rel);
+        return;
+    }
+    ch.position.store(position, std::memory_order_release);
+    ch.underruns.fetch_add(1, std::memory_order_relaxed);
+}
+
+} // namespace
+
+void mixBlock(MixerTable& table, float* out, std::size_t frames) {
+    std::fill(out, out + frames * 2, 0.0f);
+    for (std::atomic<Channel*>& slot : table.live) {
+        Channel* ch = slot.load(std::memory_order_acquire);
+        if (ch && ch->state.load(std::memory_order_acquire) == playing)
+            mixChannel(*ch, out, frames);
+    }
+}

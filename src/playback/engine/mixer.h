@@ -1,0 +1,18 @@
+#pragma once
+#include <array>
+#include <atomic>
+#include <cstddef>
+
+struct Channel;
+
+constexpr int maxChannels = 64;
+
+// The channels the mixer sees. A slot is set and cleared only while the output is locked, so the
+// mixer never meets a channel that is being made or freed.
+struct MixerTable {
+    std::array<std::atomic<Channel*>, maxChannels> live{};
+};
+
+// The audio callback's whole work: out = the sum of every playing channel at its volume. Never
+// locks, allocates, logs or decodes.
+void mixBlock(MixerTable& table, float* out, std::size_t frames);

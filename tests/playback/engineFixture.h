@@ -1,0 +1,61 @@
+#pragma once
+#include "media/encodedAudio.h"
+#include "media/midiWriter.h"
+#include "media/moduleWriter.h"
+#include "playback/engine/engine.h"
+#include "support/tempDir.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+// The engine on its null output with every decoder role loaded, and media made for the test.
+class NullEngine : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(engineInit(AudioOutput::Null));
+        for (const char* plugin : {"bassmidi.dll", "bass_aac.dll", "BASSFLAC.dll"})
+            ASSERT_NE(pluginLoad(plugin), 0u);
+    }
+    void TearDown() override {
+        engineFree();
+        pluginFreeAll();
+    }
+
+    std::string path(const std::string& name) const { return (dir.path() / name).string(); }
+
+    // A sine as a file of the format the name's extension gives.
+    std::string sine(const std::string& name, double seconds, double frequency = 441.0) {
+        media::SineSpec spec;
+        spec.seconds = seconds;
+        spec.frequency = frequency;
+        return media::writeEncodedSine(path(name), spec);
+    }
+    std::string module(const std::string& name, int patterns = 1) {
+        media::TrackerSong song;
+        song.patterns = patterns;
+        moduleSeconds = media::writeMod(path(name), song).value_or(0.0);
+        return path(name);
+    }
+    std::string midi(const std::string& name, double seconds) {
+        midiSeconds = media::writeMidi(path(name), media::bandSong(seconds)).value_or(0.0);
+        return path(name);
+    }
+
+    static std::uint64_t frameBytes(double seconds) {
+        return static_cast<std::uint64_t>(seconds * 44100) * 4;
+    }
+    static float peak(const std::vector<float>& mix) {
+        float most = 0.0f;
+        for (float v : mix)
+            most = std::max(most, std::fabs(v));
+        return most;
+    }
+
+    TempDir dir;
+    double moduleSeconds = 0.0;
+    double midiSeconds = 0.0;
+};
+
+constexpr const char* timidityFont = "/usr/share/sounds/sf2/TimGM6mb.sf2";
