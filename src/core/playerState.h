@@ -6,6 +6,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -138,6 +139,8 @@ struct PlayerState {
     double segmentEnd = 0.0;
     double positionSeconds = 0.0;
     double lengthSeconds = 0.0;
+    std::uint64_t positionBytes = 0; // as the engine gave them, for the game's song file
+    std::uint64_t lengthBytes = 0;
     int volumeToggleState = 0;
     float appliedVolume = 0.0f;
     std::string stationName;

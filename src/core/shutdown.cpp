@@ -5,11 +5,13 @@
 #include "input/controllers.h"
 #include "library/favorites.h"
 #include "platform/platform.h"
+#include "playback/audioSetup.h"
 
 void shutdown(PlayerState& st) {
     platform::killTimer(platform::timerRepaint);
     platform::killTimer(platform::timerVolumeLatch);
     platform::killTimer(platform::timerPoll);
+    freeAudio(st);
     closeControllers(st);
     rebuildFavorites(st);
     if (!st.marbleTunnelPath.empty())

@@ -83,19 +83,6 @@ void buildListEntries(PlayerState& st) {
     }
 }
 
-std::string parentOfPath(const std::string& path) {
-    fs::path p(path);
-    if (p.has_filename())
-        return p.parent_path().string();
-    // "/music/" names the folder music, whose parent is "/".
-    return p.parent_path().parent_path().string();
-}
-
-std::string parentOfCurrentDirectory() {
-    std::error_code ec;
-    return parentOfPath(fs::current_path(ec).string());
-}
-
 void onMainWindowCreated(PlayerState& st) {
     if (st.versionCheck)
         runStartupVersionCheck(st);
@@ -123,7 +110,7 @@ void runStartupSequence(PlayerState& st) {
     if (st.totalSongCount <= 0)
         scanDefaultFolder(st);
     countScannedLibrary(st);
-    setUpSoundFonts(st);
+    setUpStartupSoundFonts(st);
 
     loadFromDataOrBare(st, "MusicSettings.json", loadMusicSettings);
     loadColorsAtStartup(st);

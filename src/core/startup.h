@@ -1,11 +1,5 @@
 #pragma once
-#include <string>
-
 struct PlayerState;
-
-// The default game folder: the parent of the current directory; the root stays the root.
-std::string parentOfCurrentDirectory();
-std::string parentOfPath(const std::string& path);
 
 // While the main window is being created, before anything is loaded: the version check.
 void onMainWindowCreated(PlayerState& st);

@@ -82,7 +82,19 @@ MainWindow::MainWindow(PlayerState& st) : st_(st), screen_(new ScreenWidget(st, 
     st.mainWindow = this;
 }
 
+bool MainWindow::finishStartup() {
+    starting_ = false;
+    return closeWaiting_;
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (starting_) {
+        closeWaiting_ = true;
+        if (QWidget* box = QApplication::activeModalWidget())
+            box->close();
+        event->ignore();
+        return;
+    }
     if (!shutDown_) {
         shutDown_ = true;
         shutdown(st_);
@@ -159,6 +171,7 @@ int runPlayer(int argc, char** argv) {
     MainWindow window(*st);
     QtBackend backend(*st, window);
     onMainWindowCreated(*st);
+    closeWindowOnQuitSignals(&window);
     QIcon icon = makeAppIcon();
     if (icon.isNull())
         platform::messageBox("Could not load icon!", "Error", platform::Icon::Error, true);
@@ -171,6 +184,10 @@ int runPlayer(int argc, char** argv) {
 
     runEarlyStartup(*st);
     runStartupSequence(*st);
+    if (window.finishStartup()) {
+        window.close();
+        return 0;
+    }
     window.setWindowOpacity((st->windowAlpha & 0xff) / 255.0);
     startMainTimers();
     createMenus(window);

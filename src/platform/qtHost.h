@@ -32,6 +32,9 @@ class MainWindow : public QMainWindow {
     explicit MainWindow(PlayerState& st);
     ScreenWidget* screen() const { return screen_; }
     bool hasShutDown() const { return shutDown_; }
+    // Until the start-up has run, a close only closes the box it waits on and is kept for later,
+    // so the start-up never goes on over a shut-down player. True when a close is waiting.
+    bool finishStartup();
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -39,6 +42,8 @@ class MainWindow : public QMainWindow {
   private:
     PlayerState& st_;
     ScreenWidget* screen_;
+    bool starting_ = true;
+    bool closeWaiting_ = false;
     bool shutDown_ = false;
 };
 

@@ -3,34 +3,163 @@
 #include "core/log.h"
 #include "core/playerState.h"
 #include "library/model.h"
+#include "playback/engine/engine.h"
+#include "playback/tags.h"
+#include "radio/segments.h"
 #include "radio/selection.h"
 
-// Draws the first song and names it, so that the window and the log show what would sound; the
-// audio engine will load and fade it in here.
-void startPlayback(PlayerState& st) {
-    SongRef ref = selectNextSong(st);
-    if (st.onStation) {
-        if (ref.plistIndex >= 0 && ref.plistIndex < static_cast<int>(st.radioStations.size()))
-            logOut("Drawn station: %s\n", st.radioStations[ref.plistIndex].url.c_str());
-    } else {
-        if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size())) {
-            logErr("Error: Invalid playlist index.\n");
-            return;
-        }
-        const Playlist& playlist = st.playlists[ref.plistIndex];
-        if (ref.songIndex < 0 || ref.songIndex >= static_cast<int>(playlist.songs.size())) {
-            logErr("Error: Invalid song index.\n");
-            return;
-        }
+namespace {
+
+int errorCode() {
+    return static_cast<int>(engineErrorCode());
+}
+
+// The song a reference names, or null after the log line that says which index is wrong.
+Song* songAt(PlayerState& st, SongRef ref, bool setPlaying) {
+    if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size())) {
+        logOut("Error: Invalid playlist index.\n");
+        return nullptr;
+    }
+    if (setPlaying) {
         st.playingPlaylist = ref.plistIndex;
         st.playingSong = ref.songIndex;
-        st.songFilePath = playlist.songs[ref.songIndex].songPath;
-        st.songTitle = titleFromPath(st.songFilePath);
-        logOut("Drawn song: %s\n", st.songFilePath.c_str());
     }
-    if (!st.songHistory.empty()) {
-        const HistoryEntry& row = st.songHistory.back();
-        logOut("History row %d: songType %d, songIndex %d, plistIndex %d\n", st.historyPosition,
-               row.songType, row.songIndex, row.plistIndex);
+    std::vector<Song>& songs = st.playlists[ref.plistIndex].songs;
+    if (ref.songIndex < 0 || ref.songIndex >= static_cast<int>(songs.size())) {
+        logOut("Error: Invalid song index.\n");
+        return nullptr;
     }
+    return &songs[ref.songIndex];
+}
+
+// A station from a history row of an earlier run can lie past the end of the list.
+const RadioStation* stationAt(const PlayerState& st) {
+    if (st.currentStation < 0 || st.currentStation >= static_cast<int>(st.radioStations.size())) {
+        logOut("Error: Invalid station index.\n");
+        return nullptr;
+    }
+    return &st.radioStations[st.currentStation];
+}
+
+// Names what the draw chose, so that a headless run shows it.
+void logDrawnSong(const PlayerState& st, SongRef ref) {
+    if (st.onStation || st.songHistory.empty())
+        return;
+    if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size()))
+        return;
+    const std::vector<Song>& songs = st.playlists[ref.plistIndex].songs;
+    if (ref.songIndex < 0 || ref.songIndex >= static_cast<int>(songs.size()))
+        return;
+    const HistoryEntry& row = st.songHistory.back();
+    logOut("Drawn song: %s\n", songs[ref.songIndex].songPath.c_str());
+    logOut("History row %d: songType %d, songIndex %d, plistIndex %d\n", st.historyPosition,
+           row.songType, row.songIndex, row.plistIndex);
+}
+
+void fadeIn(PlayerState& st, ChannelHandle handle, const char* playError) {
+    channelSetVolume(handle, 0.0f);
+    channelSlideVolume(handle, st.volume, st.FADE_DURATION_MS);
+    if (!channelPlay(handle))
+        logOut(playError, static_cast<unsigned>(errorCode()));
+    else
+        logOut("Fading in to volume %.2f over %d ms.\n", st.volume, st.FADE_DURATION_MS);
+}
+
+} // namespace
+
+ChannelHandle loadTracker(PlayerState& st, SongRef ref) {
+    Song* song = songAt(st, ref, true);
+    if (!song)
+        return 0;
+    ++song->playCount;
+    st.songFilePath = song->songPath;
+    ChannelHandle handle = 0;
+    if (!st.nextSlotActive) {
+        logOut("Loading next song into trackerStreamNext as HMUSIC.\n");
+        handle = st.trackerStreamNext = musicLoad(song->songPath);
+        if (!handle) {
+            logOut("Error creating trackerStreamNext (HMUSIC). Error code: %d\n", errorCode());
+            return 0;
+        }
+        channelSetVolume(handle, 0.0f);
+    } else {
+        logOut("Loading song into main trackerStream as HMUSIC.\n");
+        handle = st.trackerStream = musicLoad(song->songPath);
+        if (!handle) {
+            logOut("Error creating trackerStream (HMUSIC). Error code: %d\n", errorCode());
+            return 0;
+        }
+        channelSetVolume(handle, st.volume);
+        if (!channelPlay(handle))
+            logOut("Error playing trackerStream (HMUSIC). Error code: %d\n", errorCode());
+    }
+    st.songTitle = titleFromPath(song->songPath);
+    return handle;
+}
+
+ChannelHandle loadStream(PlayerState& st, SongRef ref) {
+    std::string address;
+    std::string title;
+    if (!st.onStation) {
+        Song* song = songAt(st, ref, false);
+        if (!song)
+            return 0;
+        address = song->songPath;
+        title = titleFromPath(address);
+        ++song->playCount;
+        st.songFilePath = address;
+    } else {
+        const RadioStation* station = stationAt(st);
+        if (!station)
+            return 0;
+        address = station->url;
+        title = station->name;
+    }
+    st.playingPlaylist = ref.plistIndex;
+    st.playingSong = ref.songIndex;
+    auto create = [&](const std::string& where) {
+        return st.onStation ? streamCreateUrl(where) : streamCreateFile(where);
+    };
+    ChannelHandle handle = 0;
+    if (!st.nextSlotActive) {
+        logOut("Loading next song/radio into musicStreamNext.\n");
+        handle = st.musicStreamNext = create(address);
+        if (!handle) {
+            logOut("Error creating musicStreamNext. Error code: %d\n", errorCode());
+            return 0;
+        }
+    } else {
+        logOut("Loading song/radio into main musicStream.\n");
+        handle = st.musicStream = create(address);
+        if (!handle) {
+            logOut("Error creating musicStream. Error code: %d\n", errorCode());
+            return 0;
+        }
+    }
+    if (st.onStation)
+        readStationTags(st, handle);
+    channelSetVolume(handle, 0.0f);
+    st.songTitle = title;
+    return handle;
+}
+
+void startPlayback(PlayerState& st) {
+    SongRef ref = selectNextSong(st);
+    logDrawnSong(st, ref);
+    st.nextSlotActive = false;
+    if (st.currentMusicType == musicTypeTracker) {
+        ChannelHandle handle = loadTracker(st, ref);
+        st.trackerStream = handle;
+        if (!handle) {
+            logOut("Error loading trackerStream: %u\n", static_cast<unsigned>(errorCode()));
+            return;
+        }
+        fadeIn(st, handle, "Error playing trackerStream: %u\n");
+        setTrackerSegment(st, handle);
+        return;
+    }
+    ChannelHandle handle = loadStream(st, ref);
+    st.musicStream = handle;
+    fadeIn(st, handle, "Error playing musicStream: %u\n");
+    setStreamSegment(st, handle);
 }

@@ -1,6 +1,11 @@
 #pragma once
+#include "library/records.h"
+#include "playback/engine/handle.h"
 
 struct PlayerState;
 
-// The first sound with nothing playing: draws what plays and starts it.
+// Load the song (or the station) into the slot that is not audible; 0 on failure, logged.
+ChannelHandle loadTracker(PlayerState& st, SongRef ref);
+ChannelHandle loadStream(PlayerState& st, SongRef ref);
+// The first sound with nothing playing: draws what plays and fades it in at its segment.
 void startPlayback(PlayerState& st);

@@ -2,5 +2,8 @@
 
 struct PlayerState;
 
-// Finds the soundfont folder and makes a drawn font the default of every MIDI stream.
+// At start-up: the folder of config.json, else the game's own soundfont folder (remembered in
+// config.json); a font drawn from it becomes the default of every MIDI stream.
+void setUpStartupSoundFonts(PlayerState& st);
+// The same without the fallback folder, after the audio was brought up again.
 void setUpSoundFonts(PlayerState& st);

@@ -3,10 +3,13 @@
 #include "core/paths.h"
 #include "core/playerState.h"
 #include "library/model.h"
+#include "playback/audioSetup.h"
 #include "support/currentDirectory.h"
 #include "support/recordingPlatform.h"
 #include "support/tempDir.h"
 
+#include <cstdlib>
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace {
@@ -27,6 +30,8 @@ struct StartedPlayer {
     std::string output;
 
     explicit StartedPlayer(const GameFolder& folder) {
+        // A real output that needs no sound card; a user's choice of driver stays.
+        setenv("SDL_AUDIODRIVER", "dummy", 0);
         ScopedCurrentDirectory cwd(folder.data);
         st.dataDirectory = folder.data;
         st.familyRng.seed(1);
@@ -36,6 +41,7 @@ struct StartedPlayer {
         runStartupSequence(st);
         output = testing::internal::GetCapturedStdout();
     }
+    ~StartedPlayer() { freeAudio(st); }
 };
 
 TEST(GameFolderPath, IsTheParentOfTheCurrentDirectoryAndTheRootStaysTheRoot) {
@@ -62,7 +68,10 @@ TEST(StartupPaths, WithNoMusicAnywhereNothingPlaysAndTheListHoldsOnlyTheBuiltInS
     EXPECT_EQ(st.libraryCachePath, folder.data + "/musicLibraryCache.json");
     EXPECT_EQ(st.listEntries.size(), 3u);
     EXPECT_NE(player.output.find("Current directory: " + folder.game + "\n"), std::string::npos);
-    EXPECT_TRUE(player.platform.boxes.empty());
+    // No soundfont anywhere: the one box, and the game's own folder remembered for next time.
+    ASSERT_EQ(player.platform.boxes.size(), 1u);
+    EXPECT_EQ(player.platform.boxes[0].text, "No soundfont files found.");
+    EXPECT_TRUE(std::filesystem::exists(folder.data + "/config.json"));
 }
 
 TEST(StartupPaths, SongsOnlyInTheDefaultFolderAreScannedWithoutBecomingARoot) {

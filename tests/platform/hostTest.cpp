@@ -81,6 +81,7 @@ TEST(QuitSignals, CloseThePlayerThroughTheCloseBoxPathOnceAndEndTheLoopWithZero)
         PlayerState st;
         MainWindow window(st);
         QtBackend backend(st, window);
+        window.finishStartup();
         window.show();
         closeWindowOnQuitSignals(&window);
         QTimer::singleShot(0, [signalNumber] { std::raise(signalNumber); });
@@ -89,6 +90,19 @@ TEST(QuitSignals, CloseThePlayerThroughTheCloseBoxPathOnceAndEndTheLoopWithZero)
         EXPECT_TRUE(window.hasShutDown());
         EXPECT_FALSE(window.isVisible());
     }
+}
+
+TEST(QuitSignals, DuringTheStartUpWaitUntilItHasRunAndThenCloseOnce) {
+    PlayerState st;
+    MainWindow window(st);
+    QtBackend backend(st, window);
+    closeWindowOnQuitSignals(&window);
+    std::raise(SIGTERM);
+    QApplication::processEvents(); // a box of the start-up turns the loop like this
+    EXPECT_FALSE(window.hasShutDown());
+    EXPECT_TRUE(window.finishStartup());
+    window.close();
+    EXPECT_TRUE(window.hasShutDown());
 }
 
 } // namespace

@@ -1,0 +1,96 @@
+#include "radio/segments.h"
+
+#include "core/playerState.h"
+#include "playback/engine/engine.h"
+
+#include <random>
+
+namespace {
+
+double lengthOf(ChannelHandle handle) {
+    return channelBytesToSeconds(handle, channelGetLength(handle));
+}
+
+void applySegment(PlayerState& st, ChannelHandle handle, bool streamRules) {
+    SegmentInput in;
+    in.lengthSeconds = lengthOf(handle);
+    in.streamRules = streamRules;
+    in.wholeSong = st.songPlayDurationMax <= 0 || st.historyNavigation == 1;
+    in.minSeconds = st.songPlayDurationMin;
+    in.maxSeconds = st.songPlayDurationMax;
+    in.fadeSeconds = st.FADE_DURATION_MS / 1000.0;
+    Segment segment = chooseSegment(in, [&st] { return st.rand15.next() / 32767.0; });
+    // A start below 0 (a song shorter than the shortest segment) is refused by the engine and
+    // the song plays from its beginning.
+    if (segment.seek)
+        channelSetPosition(handle, channelSecondsToBytes(handle, segment.start));
+    st.segmentStart = segment.start;
+    st.segmentEnd = segment.end;
+}
+
+// Whole seconds, truncated towards zero, as the end test counts them.
+long long wholeSeconds(double seconds) {
+    return static_cast<long long>(seconds);
+}
+
+bool stationEndDue(const PlayerState& st, long long p, long long r) {
+    switch (st.stationMode) {
+    case 1:
+    case 2:
+        return r >= -59 && r <= 0;
+    case 3:
+        return r >= -59 && r <= 0 && st.historyNavigation == 0 && p > 30;
+    default:
+        return false; // one playlist or one station: the user decides when it ends
+    }
+}
+
+} // namespace
+
+void setStreamSegment(PlayerState& st, ChannelHandle handle) {
+    if (st.onStation) {
+        std::mt19937 generator(std::random_device{}());
+        int low = std::min(st.iSongPlayDurationMin, st.iSongPlayDurationMax);
+        int high = std::max(st.iSongPlayDurationMin, st.iSongPlayDurationMax);
+        st.segmentStart = 0.0;
+        st.segmentEnd = std::uniform_int_distribution<int>(low, high)(generator);
+        return;
+    }
+    applySegment(st, handle, true);
+}
+
+void setTrackerSegment(PlayerState& st, ChannelHandle handle) {
+    applySegment(st, handle, false);
+}
+
+ChannelHandle audibleHandle(const PlayerState& st) {
+    bool next = st.nextSlotActive.load();
+    if (st.currentMusicType == musicTypeTracker)
+        return next ? st.trackerStreamNext : st.trackerStream;
+    return next ? st.musicStreamNext : st.musicStream;
+}
+
+void refreshPosition(PlayerState& st) {
+    st.activeHandle = audibleHandle(st);
+    st.positionBytes = channelGetPosition(st.activeHandle);
+    st.lengthBytes = channelGetLength(st.activeHandle);
+    st.positionSeconds = channelBytesToSeconds(st.activeHandle, st.positionBytes);
+    st.lengthSeconds = channelBytesToSeconds(st.activeHandle, st.lengthBytes);
+}
+
+bool segmentEndDue(const PlayerState& st) {
+    if (st.fadeWorkerRunning.load() != 0)
+        return false;
+    const long long p = wholeSeconds(st.positionSeconds);
+    const long long r = wholeSeconds(st.segmentEnd - st.positionSeconds);
+    const long long n = wholeSeconds(st.lengthSeconds);
+    if (st.onStation)
+        return stationEndDue(st, p, r);
+    if (st.totalSongCount <= 0)
+        return false;
+    // Both tests can hold in one pass; either starts the one transition.
+    bool segmentOver =
+        st.historyNavigation == 0 && p > 5 && r / 60 <= 0 && r % 60 >= -2 && r % 60 <= 0;
+    bool songOver = p >= n && p != -1;
+    return segmentOver || songOver;
+}

@@ -1,0 +1,62 @@
+#pragma once
+#include "playback/engine/handle.h"
+
+#include <algorithm>
+
+struct PlayerState;
+
+// Where a just-started song begins and when its transition is due, given its length, the
+// settings and the random draws (each u in 0..1). Pure, so the rules can be tested alone.
+struct SegmentInput {
+    double lengthSeconds = 0.0;
+    bool streamRules = true; // the short-song rule applies to streams, not to modules
+    bool wholeSong = false;  // segments off, or walking the history
+    int minSeconds = 45;
+    int maxSeconds = 110;
+    double fadeSeconds = 8.0;
+};
+struct Segment {
+    double start = 0.0;
+    double end = 0.0;
+    bool seek = false; // start was drawn, so the channel moves there
+};
+template <typename Draw> Segment chooseSegment(const SegmentInput& in, Draw&& nextU);
+
+// For a song or station just started in the music pair, and for a module in the tracker pair.
+// Set segmentStart and segmentEnd and move the channel to segmentStart.
+void setStreamSegment(PlayerState& st, ChannelHandle handle);
+void setTrackerSegment(PlayerState& st, ChannelHandle handle);
+// The audible channel's position and length, read at every repaint; -1.0 when it failed.
+void refreshPosition(PlayerState& st);
+// Whether the next transition is due now.
+bool segmentEndDue(const PlayerState& st);
+// The channel that is audible, by the music type and the slot flag.
+ChannelHandle audibleHandle(const PlayerState& st);
+
+template <typename Draw> Segment chooseSegment(const SegmentInput& in, Draw&& nextU) {
+    const double length = in.lengthSeconds;
+    const double fade = in.fadeSeconds;
+    Segment segment;
+    double d = 0.0;
+    if (in.streamRules && length < 30.0) {
+        d = length - 2.0;
+    } else if (in.wholeSong) {
+        d = length - fade;
+    } else {
+        double floor = std::max(static_cast<double>(in.minSeconds), 3.0);
+        segment.start = nextU() * (length - floor);
+        segment.seek = true;
+        if (fade >= length - segment.start) {
+            d = length - segment.start - fade;
+        } else {
+            double end = in.minSeconds + nextU() * (in.maxSeconds - in.minSeconds) + segment.start;
+            if (end > length)
+                end = length - fade;
+            d = end - segment.start;
+        }
+    }
+    if (length < 2.0)
+        d = std::max(0.0, length - fade);
+    segment.end = segment.start + d;
+    return segment;
+}
