@@ -1,3 +1,4 @@
+#include "playback/audioSetup.h"
 #include "playback/loading.h"
 
 #include "core/playerState.h"
@@ -171,6 +172,45 @@ TEST_F(StartupFonts, NoFontAnywhereOrABadOneEachGiveTheirBox) {
     ASSERT_EQ(platform.boxes.size(), 2u);
     EXPECT_EQ(platform.boxes[1].text, "Failed to load the selected soundfont.");
     EXPECT_EQ(st.soundFontMain, 0u);
+}
+
+} // namespace
+
+namespace {
+
+TEST(AudioInit, ADeviceThatCannotOpenGivesItsBoxAndEveryLoadFailsAfter) {
+    const char* before = std::getenv("SDL_AUDIODRIVER");
+    std::string saved = before ? before : "";
+    setenv("SDL_AUDIODRIVER", "no-such-driver", 1);
+    PlayerState st;
+    RecordingPlatform platform;
+    testing::internal::CaptureStdout();
+    initAudioAtStartup(st);
+    ChannelHandle handle = streamCreateFile("/nowhere/a.mp3");
+    testing::internal::GetCapturedStdout();
+    before ? setenv("SDL_AUDIODRIVER", saved.c_str(), 1) : unsetenv("SDL_AUDIODRIVER");
+    ASSERT_EQ(platform.boxes.size(), 1u);
+    EXPECT_EQ(platform.boxes[0].text, "Failed to initialize BASS library!");
+    EXPECT_FALSE(platform.boxes[0].owned);
+    EXPECT_EQ(handle, 0u);
+    EXPECT_EQ(engineErrorCode(), EngineError::Init);
+}
+
+TEST_F(Loading, StopAllStreamsFreesBothSlotsAndFreeAudioEndsTheEngine) {
+    addSongs({sine("a.flac", 2.0), module("b.mod")});
+    st.musicStream = loadStream(st, SongRef{0, 0});
+    st.nextSlotActive = true;
+    st.trackerStream = loadTracker(st, SongRef{0, 1});
+    stopAllStreams(st);
+    EXPECT_EQ(channelGetLength(st.musicStream), noPosition);
+    EXPECT_EQ(channelGetLength(st.trackerStream), noPosition);
+    ChannelHandle again = loadStream(st, SongRef{0, 0});
+    ASSERT_NE(again, 0u);
+    freeAudio(st);
+    EXPECT_EQ(channelGetLength(again), noPosition);
+    EXPECT_EQ(streamCreateFile(st.playlists[0].songs[0].songPath), 0u);
+    ASSERT_TRUE(engineInit(AudioOutput::Null));  // for the fixture's own tear-down
+    pluginLoad("BASSFLAC.dll");
 }
 
 } // namespace
