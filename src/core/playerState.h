@@ -6,6 +6,7 @@
 
 #include <array>
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <string>
@@ -14,6 +15,8 @@
 // Everything the running player knows. One instance lives for the whole process and is touched
 // only by the user-interface thread, except the few atomics and the mutex of the transport that
 // the fade-out worker shares. Every field starts at its built-in default.
+class FadeClock;
+
 struct PlayerState {
     PlayerState() = default;
     PlayerState(const PlayerState&) = delete;
@@ -132,6 +135,13 @@ struct PlayerState {
     std::atomic<bool> nextSlotActive{false};
     std::atomic<int> fadeWorkerRunning{0};
     std::mutex streamMutex;
+    // The fade-out workers' sleep: what they sleep by, when each is due, and their wake-up call.
+    FadeClock* fadeClock = nullptr; // null: the steady clock
+    std::mutex fadeSleepLock;
+    std::condition_variable fadeWake;
+    std::vector<std::int64_t> fadeDeadlines; // one per living worker
+    bool fadeWorkersEnding = false;
+    bool paintedSinceTick = false; // a repaint ran since the last tick of timer 1
     std::string songTitle;
     std::string songFilePath;
     ChannelHandle activeHandle = 0;

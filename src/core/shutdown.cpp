@@ -6,11 +6,14 @@
 #include "library/favorites.h"
 #include "platform/platform.h"
 #include "playback/audioSetup.h"
+#include "playback/fadeWorker.h"
 
 void shutdown(PlayerState& st) {
     platform::killTimer(platform::timerRepaint);
     platform::killTimer(platform::timerVolumeLatch);
     platform::killTimer(platform::timerPoll);
+    // No fade-out worker may outlive the state it works on: each clears its pair now.
+    endFadeWorkers(st);
     freeAudio(st);
     closeControllers(st);
     rebuildFavorites(st);

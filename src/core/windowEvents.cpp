@@ -1,17 +1,85 @@
 #include "core/windowEvents.h"
 
 #include "core/playerState.h"
+#include "core/transport.h"
 #include "display/plainScreen.h"
 #include "platform/platform.h"
+#include "playback/tags.h"
+#include "radio/segments.h"
 
-void onTimer(PlayerState&, int id) {
-    // The 250 ms tick only asks for a repaint; everything that moves happens in the paint.
-    if (id == platform::timerRepaint)
-        platform::invalidate(nullptr, false);
+namespace {
+
+// A strip of the base layout in pixels, each value scaled and truncated.
+platform::Rect strip(const PlayerState& st, int left, int top, int width, int height) {
+    int x = static_cast<int>(left * st.scaleX);
+    int y = static_cast<int>(top * st.scaleY);
+    return {x, y, x + static_cast<int>(width * st.scaleX),
+            y + static_cast<int>(height * st.scaleY)};
+}
+
+void onRepaintTick(PlayerState& st) {
+    platform::Rect seek = strip(st, 5, 2, 490, 10);
+    platform::invalidate(&seek, false);
+    platform::Rect text = strip(st, 20, 70, 500, 70);
+    platform::invalidate(&text, false);
+    if (st.lcdDirty) {
+        platform::Rect lcd = strip(st, 1, 10, 490, 125);
+        platform::invalidate(&lcd, false);
+        st.lcdDirty = false;
+    }
+    if (st.buttonsDirty) {
+        platform::invalidate(nullptr, true);
+        st.buttonsDirty = false;
+    }
+    // A minimised or hidden window gets no repaint; the radio moves on from the tick instead,
+    // in the repaint's own order.
+    if (!st.paintedSinceTick) {
+        refreshPosition(st);
+        afterRepaintTest(st);
+    }
+    st.paintedSinceTick = false;
+}
+
+void onStationTagsTick(PlayerState& st) {
+    if (!st.onStation)
+        return;
+    readStationTags(st, st.activeHandle);
+    st.previousStationName = st.stationName;
+    st.lcdDirty = true;
+}
+
+void onVolumeTextTimeout(PlayerState& st) {
+    platform::killTimer(platform::timerVolumeText);
+    st.volumeTextShown = false;
+    st.volumeTimerArmed = false;
+    st.lcdDirty = true;
+}
+
+} // namespace
+
+void onTimer(PlayerState& st, int id) {
+    switch (id) {
+    case platform::timerRepaint:
+        onRepaintTick(st);
+        break;
+    case platform::timerStationTags:
+        onStationTagsTick(st);
+        break;
+    case platform::timerVolumeText:
+        onVolumeTextTimeout(st);
+        break;
+    default:
+        // Volume latches, the game link, controllers, search keys and the automatic borderless
+        // mode join these ticks with their features.
+        break;
+    }
 }
 
 void onPaint(PlayerState& st, Canvas& canvas) {
+    refreshPosition(st);
     paintPlainScreen(st, canvas);
+    afterRepaintTest(st);
+    st.paintedSinceTick = true;
 }
 
 void onResize(PlayerState& st, int width, int height) {

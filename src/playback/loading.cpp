@@ -144,6 +144,8 @@ ChannelHandle loadStream(PlayerState& st, SongRef ref) {
 }
 
 void startPlayback(PlayerState& st) {
+    // A fade-out worker still asleep must not clear the slots while they are filled anew.
+    std::lock_guard lock(st.streamMutex);
     SongRef ref = selectNextSong(st);
     logDrawnSong(st, ref);
     st.nextSlotActive = false;

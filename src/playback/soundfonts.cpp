@@ -59,3 +59,6 @@ void setUpSoundFonts(PlayerState& st) {
     }
     loadDrawnSoundFont(st);
 }
+
+// Every MIDI song plays through the start-up's default font until the rotation arrives.
+void rotateSoundFont(PlayerState&) {}

@@ -7,3 +7,6 @@ struct PlayerState;
 void setUpStartupSoundFonts(PlayerState& st);
 // The same without the fallback folder, after the audio was brought up again.
 void setUpSoundFonts(PlayerState& st);
+// After a new MIDI song has counted one more: changes the font every
+// songsBeforeSoundfontChange songs.
+void rotateSoundFont(PlayerState& st);

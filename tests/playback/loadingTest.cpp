@@ -1,9 +1,9 @@
-#include "playback/audioSetup.h"
 #include "playback/loading.h"
 
 #include "core/playerState.h"
 #include "engineFixture.h"
 #include "library/model.h"
+#include "playback/audioSetup.h"
 #include "playback/soundfonts.h"
 #include "settings/jsonFile.h"
 #include "support/currentDirectory.h"
@@ -209,7 +209,7 @@ TEST_F(Loading, StopAllStreamsFreesBothSlotsAndFreeAudioEndsTheEngine) {
     freeAudio(st);
     EXPECT_EQ(channelGetLength(again), noPosition);
     EXPECT_EQ(streamCreateFile(st.playlists[0].songs[0].songPath), 0u);
-    ASSERT_TRUE(engineInit(AudioOutput::Null));  // for the fixture's own tear-down
+    ASSERT_TRUE(engineInit(AudioOutput::Null)); // for the fixture's own tear-down
     pluginLoad("BASSFLAC.dll");
 }
 

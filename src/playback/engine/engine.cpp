@@ -277,6 +277,11 @@ EngineError engineErrorCode() {
     return lastError;
 }
 
+bool engineIsInitialized() {
+    std::lock_guard lock(engine().lifecycle);
+    return engine().initialized;
+}
+
 // --- Channels.
 
 ChannelHandle streamCreateFile(const std::string& path) {

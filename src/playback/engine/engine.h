@@ -53,6 +53,8 @@ bool engineInit(AudioOutput output = AudioOutput::Device);
 // Stops and releases every channel and font; every call then fails until the next init.
 bool engineFree();
 EngineError engineErrorCode();
+// Between a successful init and the next free.
+bool engineIsInitialized();
 
 // --- Channels.
 // A stream on a MIDI or MP3-family file; it loops at its end.

@@ -1,0 +1,97 @@
+#include "playback/fadeWorker.h"
+
+#include "core/playerState.h"
+#include "playback/engine/engine.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace {
+
+std::int64_t now(const PlayerState& st) {
+    if (st.fadeClock)
+        return st.fadeClock->nowMilliseconds();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+void stopAndFree(ChannelHandle handle) {
+    channelStop(handle);
+    streamFree(handle);
+}
+
+// Decided at the end of the sleep, so the worker clears whichever pair is not audible then. A
+// field that holds the audible pair's handle (both fields after a start of playback) is left.
+void clearSilentPair(PlayerState& st) {
+    std::lock_guard lock(st.streamMutex);
+    if (!st.nextSlotActive.load()) {
+        if (st.musicStreamNext != st.musicStream)
+            stopAndFree(st.musicStreamNext);
+        if (st.trackerStreamNext != st.trackerStream)
+            stopAndFree(st.trackerStreamNext);
+    } else {
+        if (st.musicStream != st.musicStreamNext)
+            stopAndFree(st.musicStream);
+        if (st.trackerStream != st.trackerStreamNext)
+            stopAndFree(st.trackerStream);
+    }
+}
+
+void runWorker(PlayerState& st, std::int64_t deadline) {
+    {
+        std::unique_lock lock(st.fadeSleepLock);
+        while (!st.fadeWorkersEnding && now(st) < deadline) {
+            if (st.fadeClock)
+                st.fadeWake.wait(lock);
+            else
+                st.fadeWake.wait_for(lock, std::chrono::milliseconds(deadline - now(st)));
+        }
+    }
+    clearSilentPair(st);
+    st.fadeWorkerRunning = 0;
+    {
+        std::lock_guard lock(st.fadeSleepLock);
+        auto it = std::find(st.fadeDeadlines.begin(), st.fadeDeadlines.end(), deadline);
+        if (it != st.fadeDeadlines.end())
+            st.fadeDeadlines.erase(it);
+    }
+    st.fadeWake.notify_all();
+}
+
+bool settled(const PlayerState& st) {
+    std::int64_t t = now(st);
+    return std::all_of(st.fadeDeadlines.begin(), st.fadeDeadlines.end(),
+                       [t](std::int64_t d) { return d > t; });
+}
+
+} // namespace
+
+void startFadeWorker(PlayerState& st) {
+    std::int64_t deadline = now(st) + std::max(st.FADE_DURATION_MS, 0);
+    {
+        std::lock_guard lock(st.fadeSleepLock);
+        st.fadeDeadlines.push_back(deadline);
+    }
+    st.fadeWorkerRunning = 1;
+    std::thread([&st, deadline] { runWorker(st, deadline); }).detach();
+}
+
+void wakeFadeWorkers(PlayerState& st) {
+    std::lock_guard lock(st.fadeSleepLock);
+    st.fadeWake.notify_all();
+}
+
+void endFadeWorkers(PlayerState& st) {
+    std::unique_lock lock(st.fadeSleepLock);
+    st.fadeWorkersEnding = true;
+    st.fadeWake.notify_all();
+    st.fadeWake.wait(lock, [&st] { return st.fadeDeadlines.empty(); });
+}
+
+void settleFadeWorkers(PlayerState& st) {
+    std::unique_lock lock(st.fadeSleepLock);
+    st.fadeWake.notify_all();
+    st.fadeWake.wait(lock, [&st] { return settled(st); });
+}

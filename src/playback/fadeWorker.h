@@ -1,0 +1,23 @@
+#pragma once
+#include <cstdint>
+
+struct PlayerState;
+
+// The time the fade-out workers sleep by: the steady clock in the program, a clock that a test
+// moves on with the frames it pulls, so that crossfade tests never sleep.
+class FadeClock {
+  public:
+    virtual ~FadeClock() = default;
+    virtual std::int64_t nowMilliseconds() const = 0;
+};
+
+// Starts a detached worker that sleeps FADE_DURATION_MS, then stops and frees the pair that is
+// not audible and clears fadeWorkerRunning. The flag is set here, before the thread runs.
+void startFadeWorker(PlayerState& st);
+// Wakes every sleeping worker (a clock moved on, or the player ends).
+void wakeFadeWorkers(PlayerState& st);
+// At exit: every worker clears its pair at once, and this returns when the last has ended, so
+// none outlives the state it works on.
+void endFadeWorkers(PlayerState& st);
+// For tests: returns once every worker whose time has come has ended.
+void settleFadeWorkers(PlayerState& st);

@@ -1,0 +1,206 @@
+#include "playback/crossfade.h"
+
+#include "core/transport.h"
+#include "playback/audioSetup.h"
+#include "playback/loading.h"
+#include "radio/segments.h"
+#include "radioFixture.h"
+
+#include <fstream>
+
+namespace {
+
+using Crossfade = Radio;
+
+TEST_F(Crossfade, TheOldSongSlidesOutWhileTheNewOneSlidesInAndTheOldSlotIsFreedAfter) {
+    addPlaylists({sine("a.flac", 5.0, 441), sine("b.flac", 5.0, 882)});
+    request(0);
+    startPlayback(st); // a start with nothing playing draws anew: take what it chose
+    advance(200);
+    ChannelHandle first = st.musicStream;
+    EXPECT_FLOAT_EQ(volumeOf(first), st.volume);
+    EXPECT_EQ(transportState(st), TransportState::Playing);
+
+    request(1);
+    startTransition(st);
+    ChannelHandle second = st.musicStreamNext;
+    EXPECT_TRUE(st.nextSlotActive);
+    EXPECT_EQ(st.fadeWorkerRunning, 1);
+    EXPECT_EQ(transportState(st), TransportState::Crossfading);
+    advance(100);
+    EXPECT_NEAR(volumeOf(first), st.volume / 2, 1e-4);
+    EXPECT_NEAR(volumeOf(second), st.volume / 2, 1e-4);
+    EXPECT_EQ(channelIsActive(first), ChannelState::Playing);
+    EXPECT_EQ(channelIsActive(second), ChannelState::Playing);
+    advance(100);
+    EXPECT_TRUE(isFreed(first));
+    EXPECT_FLOAT_EQ(volumeOf(second), st.volume);
+    EXPECT_EQ(st.fadeWorkerRunning, 0);
+    EXPECT_EQ(transportState(st), TransportState::Playing);
+}
+
+TEST_F(Crossfade, MidiAndTrackerHandOverInBothDirections) {
+    FontHandle font = midiFontInit(timidityFont);
+    MidiFontRecord record{font, -1, 0};
+    midiStreamSetFonts(0, &record, 1);
+    addPlaylists({midi("a.mid", 6.0), module("b.mod")});
+    request(0);
+    startTransition(st);
+    advance(200);
+    ChannelHandle song = st.musicStreamNext;
+    ASSERT_NE(song, 0u);
+    EXPECT_EQ(st.songsSinceFontChange, 1);
+
+    request(1);
+    startTransition(st); // MIDI in the Next slot fades out, the module fades into the main one
+    ChannelHandle tracker = st.trackerStream;
+    ASSERT_NE(tracker, 0u);
+    advance(100);
+    EXPECT_NEAR(volumeOf(song), st.volume / 2, 1e-4);
+    EXPECT_GT(peak(advance(100)), 0.0f);
+    EXPECT_TRUE(isFreed(song));
+    EXPECT_EQ(channelIsActive(tracker), ChannelState::Playing);
+
+    request(0);
+    startTransition(st);
+    advance(200);
+    EXPECT_TRUE(isFreed(tracker));
+    EXPECT_EQ(channelIsActive(st.musicStreamNext), ChannelState::Playing);
+    EXPECT_EQ(st.songsSinceFontChange, 2);
+}
+
+TEST_F(Crossfade, TwoPressesWithinOneFadeCutHardAndTheThirdSongFadesInAlone) {
+    addPlaylists({sine("a.flac", 5.0), sine("b.flac", 5.0), sine("c.flac", 5.0)});
+    request(0);
+    startTransition(st);
+    advance(200);
+    ChannelHandle first = st.musicStreamNext;
+    request(1);
+    startTransition(st);
+    ChannelHandle second = st.musicStream;
+    advance(50);
+    request(2);
+    startTransition(st); // within the fade: the hard cut
+    ChannelHandle third = st.musicStreamNext;
+    EXPECT_TRUE(isFreed(first));
+    EXPECT_TRUE(isFreed(second));
+    EXPECT_EQ(st.fadeWorkerRunning, 0);
+    EXPECT_EQ(volumeOf(third), 0.0f);
+    advance(100);
+    EXPECT_NEAR(volumeOf(third), st.volume / 2, 1e-4);
+    // The old worker still wakes, clears the pair that is not audible and leaves the new song.
+    advance(100);
+    EXPECT_EQ(channelIsActive(third), ChannelState::Playing);
+    // The next press is an ordinary fade again.
+    request(0);
+    startTransition(st);
+    EXPECT_EQ(st.fadeWorkerRunning, 1);
+    EXPECT_EQ(channelIsActive(third), ChannelState::Playing);
+}
+
+TEST_F(Crossfade, WithoutAFadeTheWorkerClearsTheOldSlotAtOnceAndNeverTheNewOne) {
+    st.FADE_DURATION_MS = 0;
+    addPlaylists({sine("a.flac", 3.0), sine("b.flac", 3.0)});
+    for (int i = 0; i < 20; ++i) {
+        request(i % 2);
+        startTransition(st);
+        advance(0);
+        EXPECT_EQ(st.fadeWorkerRunning, 0);
+        EXPECT_EQ(channelIsActive(audibleHandle(st)), ChannelState::Playing) << i;
+        EXPECT_FLOAT_EQ(volumeOf(audibleHandle(st)), st.volume);
+    }
+}
+
+TEST_F(Crossfade, AFailedLoadFallsSilentKeepsItsHistoryRowAndTheNextPressRecovers) {
+    std::ofstream(path("broken.mp3")) << "not audio";
+    addPlaylists({module("a.mod"), path("broken.mp3")});
+    request(0);
+    startTransition(st);
+    advance(200);
+    st.playRequested = false;
+    st.firstFamilyPick = false;
+    st.rawTracker = 0; // the draw can only reach the broken MP3
+    std::size_t rows = st.songHistory.size();
+    startTransition(st);
+    advance(200);
+    EXPECT_EQ(st.songHistory.size(), rows + 1);
+    EXPECT_EQ(st.songHistory.back().plistIndex, 1);
+    EXPECT_EQ(peak(advance(100)), 0.0f);
+    EXPECT_EQ(transportState(st), TransportState::Idle);
+    refreshPosition(st);
+    EXPECT_EQ(st.positionSeconds, -1.0);
+    EXPECT_FALSE(segmentEndDue(st));
+    request(0);
+    startTransition(st);
+    advance(200);
+    EXPECT_GT(peak(advance(100)), 0.0f);
+}
+
+TEST_F(Crossfade, AVolumeChangeEndsTheFadeInWhileTheOldSongGoesOnFading) {
+    addPlaylists({sine("a.flac", 5.0), sine("b.flac", 5.0)});
+    request(0);
+    startTransition(st);
+    advance(200);
+    ChannelHandle old = st.musicStreamNext;
+    request(1);
+    startTransition(st);
+    advance(50);
+    st.volume = 0.9f;
+    applyVolume(st);
+    EXPECT_EQ(volumeOf(st.musicStream), 0.9f);
+    EXPECT_EQ(st.appliedVolume, 0.9f);
+    EXPECT_NEAR(volumeOf(old), 0.5f * 0.75f, 1e-4);
+}
+
+TEST_F(Crossfade, PauseAsksTheMainFieldFirstAndSoPausesTheOutgoingSongOfAFade) {
+    addPlaylists({sine("a.flac", 5.0), sine("b.flac", 5.0), sine("c.flac", 5.0)});
+    request(0);
+    startTransition(st); // into the Next slot
+    advance(200);
+    request(1);
+    startTransition(st); // into the main slot
+    advance(200);
+    request(2);
+    startTransition(st); // into the Next slot: the main one is going
+    ChannelHandle going = st.musicStream;
+    togglePause(st);
+    EXPECT_EQ(channelIsActive(going), ChannelState::Paused);
+    EXPECT_EQ(channelIsActive(st.musicStreamNext), ChannelState::Playing);
+    EXPECT_EQ(transportState(st), TransportState::Paused);
+    togglePause(st);
+    EXPECT_EQ(channelIsActive(going), ChannelState::Playing);
+}
+
+TEST_F(Crossfade, WithTheAudioOffANextPressCountsAndDrawsButStaysSilent) {
+    addPlaylists({sine("a.flac", 5.0)});
+    startTransition(st);
+    advance(200);
+    freeAudio(st);
+    EXPECT_EQ(transportState(st), TransportState::AudioOff);
+    std::size_t rows = st.songHistory.size();
+    int plays = st.playlists[0].songs[0].playCount;
+    startTransition(st);
+    EXPECT_EQ(st.songHistory.size(), rows + 1);
+    EXPECT_EQ(st.playlists[0].songs[0].playCount, plays + 1);
+    EXPECT_EQ(transportState(st), TransportState::AudioOff);
+    ASSERT_TRUE(engineInit(AudioOutput::Null)); // for the fixture's tear-down
+}
+
+TEST_F(Crossfade, TheVolumeToggleGoesLowThenHighAndAVolumeChangeRedefinesTheLevel) {
+    addPlaylists({sine("a.flac", 5.0)});
+    startTransition(st);
+    advance(200);
+    st.volume = 0.3f;
+    toggleVolumeLevel(st);
+    EXPECT_EQ(st.volume, st.lowVolume);
+    EXPECT_EQ(st.volumeToggleState, 1);
+    advance(1000);
+    EXPECT_NEAR(volumeOf(audibleHandle(st)), (0.5f + 0.1f) / 2, 1e-3);
+    st.volume = 0.2f;
+    applyVolume(st);
+    EXPECT_EQ(st.lowVolume, 0.2f);
+    toggleVolumeLevel(st);
+    EXPECT_EQ(st.volume, st.highVolume);
+}
+
+} // namespace

@@ -1,0 +1,65 @@
+#pragma once
+#include "core/playerState.h"
+#include "engineFixture.h"
+#include "library/model.h"
+#include "playback/fadeWorker.h"
+#include "support/manualClock.h"
+#include "support/recordingPlatform.h"
+
+// A running radio on the null output: a library of real files, fades on a clock the test moves
+// with the frames it pulls, so every crossfade is heard and timed exactly.
+class Radio : public NullEngine {
+  protected:
+    void SetUp() override {
+        NullEngine::SetUp();
+        st.fadeClock = &clock;
+        st.familyRng.seed(1);
+        st.selectionRng.seed(2);
+        st.rand15.seed(3);
+        st.FADE_DURATION_MS = 200;
+        st.songPlayDurationMax = 0; // whole songs: positions are easy to follow
+    }
+    void TearDown() override {
+        endFadeWorkers(st);
+        NullEngine::TearDown();
+    }
+
+    // One playlist per file, so that a request names a song by its playlist.
+    void addPlaylists(const std::vector<std::string>& files) {
+        for (const std::string& file : files) {
+            Song song;
+            song.songPath = file;
+            std::string ext = extensionOf(file);
+            for (char& c : ext)
+                c = static_cast<char>(std::tolower(c));
+            song.musicType = classifyExtension(ext);
+            st.playlists.push_back(Playlist{"Album", {song}, 1, 0, 0, 0});
+        }
+        recountLibrary(st);
+        st.scanSongCount = st.totalSongCount;
+        st.scanPlaylistCount = static_cast<int>(st.playlists.size());
+    }
+    // Plays the first song of a playlist through the next transition.
+    void request(int plist) {
+        st.playRequested = true;
+        st.requestedPlaylist = plist;
+        st.requestedSong = 0;
+    }
+    // Pulls the frames of the time and lets every worker whose time has come finish.
+    std::vector<float> advance(int milliseconds) {
+        std::vector<float> mix = nullOutputPull(static_cast<std::size_t>(milliseconds) * 441 / 10);
+        clock.advance(milliseconds);
+        settleFadeWorkers(st);
+        return mix;
+    }
+    float volumeOf(ChannelHandle handle) {
+        float volume = -1.0f;
+        channelGetVolume(handle, volume);
+        return volume;
+    }
+    bool isFreed(ChannelHandle handle) { return channelGetLength(handle) == noPosition; }
+
+    PlayerState st;
+    ManualClock clock;
+    RecordingPlatform platform;
+};
