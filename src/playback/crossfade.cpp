@@ -59,6 +59,7 @@ void startTransition(PlayerState& st) {
     st.lcdDirty = true;
     st.songInfoDirty = true;
     SongRef ref = chooseTransitionSource(st);
+    logChosenSong(st, ref);
     // The worker stops and frees under the same lock, so it never meets half a transition, and
     // with no fade at all it cannot wake before the slots have flipped.
     std::lock_guard lock(st.streamMutex);

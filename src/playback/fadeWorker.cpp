@@ -51,12 +51,12 @@ void runWorker(PlayerState& st, std::int64_t deadline) {
     }
     clearSilentPair(st);
     st.fadeWorkerRunning = 0;
-    {
-        std::lock_guard lock(st.fadeSleepLock);
-        auto it = std::find(st.fadeDeadlines.begin(), st.fadeDeadlines.end(), deadline);
-        if (it != st.fadeDeadlines.end())
-            st.fadeDeadlines.erase(it);
-    }
+    std::lock_guard lock(st.fadeSleepLock);
+    auto it = std::find(st.fadeDeadlines.begin(), st.fadeDeadlines.end(), deadline);
+    if (it != st.fadeDeadlines.end())
+        st.fadeDeadlines.erase(it);
+    // Still under the lock: once the last deadline is gone endFadeWorkers may return and the
+    // state be destroyed, so the worker must not touch it after letting go.
     st.fadeWake.notify_all();
 }
 

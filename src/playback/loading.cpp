@@ -41,21 +41,6 @@ const RadioStation* stationAt(const PlayerState& st) {
     return &st.radioStations[st.currentStation];
 }
 
-// Names what the draw chose, so that a headless run shows it.
-void logDrawnSong(const PlayerState& st, SongRef ref) {
-    if (st.onStation || st.songHistory.empty())
-        return;
-    if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size()))
-        return;
-    const std::vector<Song>& songs = st.playlists[ref.plistIndex].songs;
-    if (ref.songIndex < 0 || ref.songIndex >= static_cast<int>(songs.size()))
-        return;
-    const HistoryEntry& row = st.songHistory.back();
-    logOut("Drawn song: %s\n", songs[ref.songIndex].songPath.c_str());
-    logOut("History row %d: songType %d, songIndex %d, plistIndex %d\n", st.historyPosition,
-           row.songType, row.songIndex, row.plistIndex);
-}
-
 void fadeIn(PlayerState& st, ChannelHandle handle, const char* playError) {
     channelSetVolume(handle, 0.0f);
     channelSlideVolume(handle, st.volume, st.FADE_DURATION_MS);
@@ -147,7 +132,7 @@ void startPlayback(PlayerState& st) {
     // A fade-out worker still asleep must not clear the slots while they are filled anew.
     std::lock_guard lock(st.streamMutex);
     SongRef ref = selectNextSong(st);
-    logDrawnSong(st, ref);
+    logChosenSong(st, ref);
     st.nextSlotActive = false;
     if (st.currentMusicType == musicTypeTracker) {
         ChannelHandle handle = loadTracker(st, ref);
@@ -164,4 +149,24 @@ void startPlayback(PlayerState& st) {
     st.musicStream = handle;
     fadeIn(st, handle, "Error playing musicStream: %u\n");
     setStreamSegment(st, handle);
+}
+
+// Names what the draw chose, so that a headless run shows it.
+void logChosenSong(const PlayerState& st, SongRef ref) {
+    if (st.onStation || st.songHistory.empty())
+        return;
+    if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size()))
+        return;
+    const std::vector<Song>& songs = st.playlists[ref.plistIndex].songs;
+    if (ref.songIndex < 0 || ref.songIndex >= static_cast<int>(songs.size()))
+        return;
+    int at = st.historyPosition;
+    if (at < 0 || at >= static_cast<int>(st.songHistory.size()))
+        at = st.historyEnd - 1;
+    if (at < 0 || at >= static_cast<int>(st.songHistory.size()))
+        return;
+    const HistoryEntry& row = st.songHistory[at];
+    logOut("Drawn song: %s\n", songs[ref.songIndex].songPath.c_str());
+    logOut("History row %d: songType %d, songIndex %d, plistIndex %d\n", at, row.songType,
+           row.songIndex, row.plistIndex);
 }

@@ -9,3 +9,5 @@ ChannelHandle loadTracker(PlayerState& st, SongRef ref);
 ChannelHandle loadStream(PlayerState& st, SongRef ref);
 // The first sound with nothing playing: draws what plays and fades it in at its segment.
 void startPlayback(PlayerState& st);
+// Names the song a draw or a walk chose and its history row, so that a headless run shows it.
+void logChosenSong(const PlayerState& st, SongRef ref);
