@@ -1,9 +1,11 @@
 #include "core/shutdown.h"
 
+#include "core/paths.h"
 #include "core/playerState.h"
 #include "gamelink/commandFile.h"
 #include "input/controllers.h"
 #include "library/favorites.h"
+#include "library/history.h"
 #include "platform/platform.h"
 #include "playback/audioSetup.h"
 #include "playback/fadeWorker.h"
@@ -17,6 +19,7 @@ void shutdown(PlayerState& st) {
     freeAudio(st);
     closeControllers(st);
     rebuildFavorites(st);
+    saveSongHistory(st, joinPath(st.dataDirectory, "/Song History.json"));
     if (!st.marbleTunnelPath.empty())
         writeMusicRunning(st, "no");
 }

@@ -1,7 +1,86 @@
 #include "library/history.h"
 
+#include "core/log.h"
 #include "core/playerState.h"
+#include "settings/jsonFile.h"
 
-// The history file comes with the persistence of the player's state; until then every run
-// starts with an empty history.
-void loadSongHistory(PlayerState&, const std::string&) {}
+#include <filesystem>
+#include <limits>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+constexpr std::size_t maxSavedRows = 10000;
+
+// A 32-bit integer of the row, or nothing: a huge number or another type is no index.
+std::optional<int> intAt(const nlohmann::json& row, const char* key) {
+    auto it = row.find(key);
+    if (it == row.end() || !it->is_number_integer())
+        return std::nullopt;
+    long long value = it->get<long long>();
+    if (value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max())
+        return std::nullopt;
+    return static_cast<int>(value);
+}
+
+std::optional<HistoryEntry> rowOf(const nlohmann::json& row) {
+    if (!row.is_object())
+        return std::nullopt;
+    auto type = intAt(row, "songType");
+    auto song = intAt(row, "songIndex");
+    auto plist = intAt(row, "plistIndex");
+    if (!type || !song || !plist)
+        return std::nullopt;
+    return HistoryEntry{*type, *song, *plist};
+}
+
+} // namespace
+
+void loadSongHistory(PlayerState& st, const std::string& path) {
+    std::error_code ec;
+    if (!std::filesystem::exists(path, ec)) {
+        logErr("Failed to open %s for reading.\n", path.c_str());
+        return;
+    }
+    std::optional<nlohmann::json> root = readJsonFile(path);
+    if (!root)
+        return;
+    st.songHistory.clear();
+    if (root->is_null())
+        return; // a history without rows
+    auto songs = root->is_object() ? root->find("songs") : root->end();
+    if (!root->is_object() || songs == root->end() || !songs->is_array()) {
+        setAsideDamaged(path, "it holds no list of songs");
+        return;
+    }
+    std::size_t dropped = 0;
+    for (const nlohmann::json& element : *songs) {
+        if (auto row = rowOf(element))
+            st.songHistory.push_back(*row);
+        else
+            ++dropped;
+    }
+    if (dropped > 0)
+        setAsideDamaged(path,
+                        std::to_string(dropped) + " rows could not be read and were left out");
+}
+
+void saveSongHistory(const PlayerState& st, const std::string& path) {
+    std::size_t first =
+        st.songHistory.size() > maxSavedRows ? st.songHistory.size() - maxSavedRows : 0;
+    nlohmann::json root; // null until the first row
+    for (std::size_t i = first; i < st.songHistory.size(); ++i) {
+        const HistoryEntry& row = st.songHistory[i];
+        root["songs"].push_back({{"plistIndex", row.plistIndex},
+                                 {"songIndex", row.songIndex},
+                                 {"songType", row.songType}});
+    }
+    if (!writeJsonFile(path, root))
+        logErr("Failed to open %s for writing.\n", path.c_str());
+}
+
+void clearSongHistory(PlayerState& st) {
+    st.songHistory.clear();
+    st.historyEnd = 0;
+    st.historyPosition = 0;
+}

@@ -2,26 +2,99 @@
 
 #include "core/log.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string timeStamp() {
+    std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y%m%d-%H%M%S", &local);
+    return text;
+}
+
+// A link is written through to its target, so the user's link stays a link.
+std::string resolvedTarget(const std::string& path) {
+    std::error_code ec;
+    if (!fs::is_symlink(path, ec))
+        return path;
+    fs::path target = fs::read_symlink(path, ec);
+    if (ec)
+        return path;
+    return target.is_absolute() ? target.string()
+                                : (fs::path(path).parent_path() / target).string();
+}
+
+bool writeAll(int fd, const std::string& text) {
+    std::size_t done = 0;
+    while (done < text.size()) {
+        ssize_t n = ::write(fd, text.data() + done, text.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        done += static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+} // namespace
 
 std::optional<nlohmann::json> readJsonFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     if (!in)
         return std::nullopt;
-    nlohmann::json document = nlohmann::json::parse(in, nullptr, /*allow_exceptions=*/false);
+    std::stringstream text;
+    text << in.rdbuf();
+    nlohmann::json document = nlohmann::json::parse(text.str(), nullptr, false);
     if (document.is_discarded()) {
-        logErr("%s is damaged and was not read\n", path.c_str());
+        setAsideDamaged(path, "it is not JSON");
         return std::nullopt;
     }
     return document;
 }
 
+void setAsideDamaged(const std::string& path, const std::string& why) {
+    std::string aside = path + ".bad-" + timeStamp();
+    std::error_code ec;
+    fs::copy_file(path, aside, fs::copy_options::skip_existing, ec);
+    if (ec)
+        logErr("%s is damaged (%s) and could not be copied aside: %s\n", path.c_str(), why.c_str(),
+               ec.message().c_str());
+    else
+        logErr("%s is damaged (%s); a copy is kept as %s\n", path.c_str(), why.c_str(),
+               aside.c_str());
+}
+
 bool writeJsonFile(const std::string& path, const nlohmann::json& document) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out)
+    std::string target = resolvedTarget(path);
+    std::string text = document.dump(4, ' ', false, nlohmann::json::error_handler_t::replace);
+    std::string temporary = target + ".tmp-XXXXXX";
+    int fd = ::mkstemp(temporary.data());
+    if (fd < 0)
         return false;
-    // Text that is not valid UTF-8 is written with replacement characters rather than lost.
-    out << document.dump(4, ' ', false, nlohmann::json::error_handler_t::replace);
-    return static_cast<bool>(out);
+    // mkstemp makes the file private; the player's files are ordinary files of the user.
+    ::fchmod(fd, 0644);
+    bool written = writeAll(fd, text) && ::fsync(fd) == 0;
+    written = ::close(fd) == 0 && written;
+    // The new file takes the old one's place in one step, or not at all.
+    if (!written || std::rename(temporary.c_str(), target.c_str()) != 0) {
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    return true;
 }

@@ -3,9 +3,20 @@
 #include <optional>
 #include <string>
 
-// The one reading and writing path of the player's JSON files. A missing file is a normal state
-// (nullopt, no message); a damaged one gives one line on the error stream and nullopt too.
+// The one reading and writing path of the player's JSON files.
+
+// A missing file is a normal state: nullopt, no message. A damaged one (not JSON, empty, random
+// bytes) gives one line on the error stream, is copied aside for the user (setAsideDamaged) and
+// reads as nullopt too. A file holding the single word null reads as a null document.
 std::optional<nlohmann::json> readJsonFile(const std::string& path);
-// Sorted keys, an indent of 4, non-ASCII text as it is, no line end at the end. False when the
-// file cannot be opened for writing.
+
+// For a reader that found the JSON sound but its content wrong (a root or a key of the wrong
+// type, a required key missing): one line naming the file and why, and a copy of it beside it
+// under "NAME.bad-YYYYMMDD-HHMMSS", so the next save cannot destroy what the user had.
+void setAsideDamaged(const std::string& path, const std::string& why);
+
+// Sorted keys, an indent of 4, non-ASCII text as it is, no line end at the end, "null" for a
+// null document. Written to a temporary file in the same folder and renamed over the old one (a
+// link is followed to its target), so a crash or a full disk never leaves half a file. False,
+// with the old file intact, when it cannot be written.
 bool writeJsonFile(const std::string& path, const nlohmann::json& document);
