@@ -63,4 +63,5 @@ kill -INT $pid
 wait $pid
 code=$?
 [ "$code" -eq 0 ] || fail "Ctrl+C ended the player with $code"
+grep -q '"songIndex": 0' "$work/game/data/Song History.json" || fail "the history was not saved"
 exit 0
