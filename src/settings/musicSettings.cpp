@@ -1,8 +1,189 @@
 #include "settings/musicSettings.h"
 
+#include "core/log.h"
+#include "core/paths.h"
 #include "core/playerState.h"
+#include "settings/jsonFile.h"
 
-// Until the settings file is written, the built-in defaults hold at every start.
-bool loadMusicSettings(PlayerState&, const std::string&) {
-    return false;
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <fstream>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <type_traits>
+#include <variant>
+#include <vector>
+
+namespace {
+
+using Json = nlohmann::json;
+using Field = std::variant<int PlayerState::*, float PlayerState::*, bool PlayerState::*,
+                           std::string PlayerState::*, std::vector<std::string> PlayerState::*>;
+
+struct Key {
+    const char* name;
+    Field field;
+};
+
+// In the order the reader takes them. The field's type decides the JSON type, so
+// randomColorPlayer and borderlessAuto stay integers in the file while the rumble and
+// version flags are booleans.
+const std::array<Key, 37> keys{{
+    {"directoryPaths", &PlayerState::directoryPaths},
+    {"volumeLevel", &PlayerState::volume},
+    {"songPlayDurationMin", &PlayerState::songPlayDurationMin},
+    {"songPlayDurationMax", &PlayerState::songPlayDurationMax},
+    {"FADE_DURATION_MS", &PlayerState::FADE_DURATION_MS},
+    {"rawFav", &PlayerState::rawFav},
+    {"rawMIDI", &PlayerState::rawMIDI},
+    {"rawMP3", &PlayerState::rawMP3},
+    {"rawTracker", &PlayerState::rawTracker},
+    {"songsBeforeSoundfontChange", &PlayerState::songsBeforeSoundfontChange},
+    {"textR", &PlayerState::textR},
+    {"textG", &PlayerState::textG},
+    {"textB", &PlayerState::textB},
+    {"bkGrR", &PlayerState::bkGrR},
+    {"bkGrG", &PlayerState::bkGrG},
+    {"bkGrB", &PlayerState::bkGrB},
+    {"songR", &PlayerState::songR},
+    {"songG", &PlayerState::songG},
+    {"songB", &PlayerState::songB},
+    {"windowAlpha", &PlayerState::windowAlpha},
+    {"lowVolume", &PlayerState::lowVolume},
+    {"highVolume", &PlayerState::highVolume},
+    {"useRumble", &PlayerState::useRumble},
+    {"textureAlpha", &PlayerState::textureAlpha},
+    {"useRumbleToggle", &PlayerState::useRumbleToggle},
+    {"rumbleTime", &PlayerState::rumbleTime},
+    {"rumbleTimeToggle", &PlayerState::rumbleTimeToggle},
+    {"iSongPlayDurationMin", &PlayerState::iSongPlayDurationMin},
+    {"iSongPlayDurationMax", &PlayerState::iSongPlayDurationMax},
+    {"randomColorPlayer", &PlayerState::randomColorPlayer},
+    {"borderlessAuto", &PlayerState::borderlessAuto},
+    {"currentBkTextureName", &PlayerState::currentBkTextureName},
+    {"currentLCDTextureName", &PlayerState::currentLCDTextureName},
+    {"bkTextureAlpha", &PlayerState::bkTextureAlpha},
+    {"historyDepth", &PlayerState::historyDepth},
+    {"versionCheck", &PlayerState::versionCheck},
+    {"rawRadio", &PlayerState::rawRadio},
+}};
+
+// Any number, cut toward zero, or a boolean as 0 or 1. A number past the 32-bit range has no
+// integer to cut to and counts as the wrong type rather than wrapping to something arbitrary.
+bool readInt(const Json& value, int& out) {
+    constexpr double low = std::numeric_limits<int>::min();
+    constexpr double high = std::numeric_limits<int>::max();
+    if (value.is_boolean()) {
+        out = value.get<bool>() ? 1 : 0;
+    } else if (value.is_number_unsigned()) {
+        auto number = value.get<std::uint64_t>();
+        if (number > static_cast<std::uint64_t>(high))
+            return false;
+        out = static_cast<int>(number);
+    } else if (value.is_number_integer()) {
+        auto number = value.get<std::int64_t>();
+        if (number < low || number > high)
+            return false;
+        out = static_cast<int>(number);
+    } else if (value.is_number_float()) {
+        double cut = std::trunc(value.get<double>());
+        if (!(cut >= low && cut <= high))
+            return false;
+        out = static_cast<int>(cut);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+// Any number, narrowed to a 32-bit float; one past the float range would become infinite.
+bool readFloat(const Json& value, float& out) {
+    if (!value.is_number())
+        return false;
+    double number = value.get<double>();
+    if (!(std::fabs(number) <= std::numeric_limits<float>::max()))
+        return false;
+    out = static_cast<float>(number);
+    return true;
+}
+
+bool readPaths(const Json& value, std::vector<std::string>& out) {
+    if (!value.is_array())
+        return false;
+    std::vector<std::string> paths;
+    for (const Json& item : value) {
+        if (!item.is_string())
+            return false;
+        paths.push_back(item.get<std::string>());
+    }
+    out = std::move(paths);
+    return true;
+}
+
+// One key into its working field; false leaves the field as it was.
+bool readKey(const Json& value, Field field, PlayerState& st) {
+    return std::visit(
+        [&](auto member) {
+            auto& target = st.*member;
+            using T = std::remove_reference_t<decltype(target)>;
+            if constexpr (std::is_same_v<T, int>) {
+                return readInt(value, target);
+            } else if constexpr (std::is_same_v<T, float>) {
+                return readFloat(value, target);
+            } else if constexpr (std::is_same_v<T, std::vector<std::string>>) {
+                return readPaths(value, target);
+            } else if constexpr (std::is_same_v<T, bool>) {
+                if (!value.is_boolean())
+                    return false;
+                target = value.get<bool>();
+                return true;
+            } else {
+                if (!value.is_string())
+                    return false;
+                target = value.get<std::string>();
+                return true;
+            }
+        },
+        field);
+}
+
+} // namespace
+
+bool loadMusicSettings(PlayerState& st, const std::string& path) {
+    if (!std::ifstream(path, std::ios::binary)) {
+        logErr("Failed to open file for reading: %s\n", path.c_str());
+        return false;
+    }
+    // The file opened: from here on it counts as read, so a damaged one in the data folder is
+    // not replaced by some other copy in the working directory. readJsonFile has reported it.
+    std::optional<Json> root = readJsonFile(path);
+    if (!root || root->is_null())
+        return true;
+    if (!root->is_object()) {
+        setAsideDamaged(path, "the settings are not a JSON object");
+        return true;
+    }
+    // A missing key keeps its value quietly (older files lack newer keys); a key of the wrong
+    // type does too, but is named, all of them on one line.
+    std::string wrongKeys;
+    for (const Key& key : keys) {
+        auto it = root->find(key.name);
+        if (it == root->end() || readKey(*it, key.field, st))
+            continue;
+        wrongKeys += wrongKeys.empty() ? "" : ", ";
+        wrongKeys += key.name;
+    }
+    if (!wrongKeys.empty())
+        setAsideDamaged(path, "wrong type or range for " + wrongKeys);
+    return true;
+}
+
+void saveMusicSettings(const PlayerState& st) {
+    Json root = Json::object();
+    for (const Key& key : keys)
+        std::visit([&](auto member) { root[key.name] = st.*member; }, key.field);
+    std::string path = joinPath(st.dataDirectory, "/MusicSettings.json");
+    if (!writeJsonFile(path, root))
+        logErr("Failed to open file for writing: %s\n", path.c_str());
 }

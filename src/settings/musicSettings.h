@@ -3,5 +3,10 @@
 
 struct PlayerState;
 
-// Reads MusicSettings.json at path over the settings; false when it cannot be opened and read.
+// Reads MusicSettings.json at path over the settings. False, with one line and nothing changed,
+// when the file cannot be opened. A damaged file still counts as read: every key that can be
+// read is taken, the others keep their values, and one line names the file.
 bool loadMusicSettings(PlayerState& st, const std::string& path);
+
+// Writes the 37 settings to MusicSettings.json in the data folder; one line when that fails.
+void saveMusicSettings(const PlayerState& st);
