@@ -67,6 +67,16 @@ void buildFirstLibrary(PlayerState& st) {
     st.rawMP3 = 50;
 }
 
+// Settings that name root folders, but no library cache (lost, damaged, or never written): the
+// user's folders are scanned once, rather than leaving them with the default folder until they
+// press "Scan".
+void restoreLibraryFromRoots(PlayerState& st) {
+    logOut("No library cache: rebuilding the library from the music folders.\n");
+    rebuildLibrary(st);
+    recountLibrary(st);
+    applyFavorites(st, st.favorites);
+}
+
 } // namespace
 
 void buildListEntries(PlayerState& st) {
@@ -107,7 +117,8 @@ void runStartupSequence(PlayerState& st) {
 
     st.playlists = loadLibraryCache(st);
     recountLibrary(st);
-    if (st.totalSongCount <= 0)
+    const bool cacheHadSongs = st.totalSongCount > 0;
+    if (!cacheHadSongs)
         scanDefaultFolder(st);
     countScannedLibrary(st);
     setUpStartupSoundFonts(st);
@@ -118,6 +129,8 @@ void runStartupSequence(PlayerState& st) {
     logOut("Current directory: %s\n", st.marbleTunnelPath.c_str());
     if (st.directoryPaths.empty())
         buildFirstLibrary(st);
+    else if (!cacheHadSongs)
+        restoreLibraryFromRoots(st);
 
     if (!st.marbleTunnelPath.empty())
         writeMusicRunning(st, "yes");

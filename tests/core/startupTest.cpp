@@ -2,6 +2,7 @@
 
 #include "core/paths.h"
 #include "core/playerState.h"
+#include "core/shutdown.h"
 #include "library/model.h"
 #include "playback/audioSetup.h"
 #include "support/currentDirectory.h"
@@ -145,6 +146,35 @@ TEST(StartupList, APlaylistWithoutSongsShowsItsFolderNameAndReadsNothingPastItsE
                                      "Empty Album",
                                      "MP3 > Rock > Old Hits"};
     EXPECT_EQ(st.listEntries, list);
+}
+
+TEST(StartupPaths, ASecondStartRestoresTheSettingsAndHistoryAndRescansTheStoredRoots) {
+    GameFolder folder;
+    folder.add("HarpTone/MIDI Songs/Marches/x.mid");
+    folder.add("HarpTone/Tracker Songs/Chip/z.xm");
+    std::vector<HistoryEntry> firstRows;
+    {
+        StartedPlayer first(folder);
+        first.st.volume = 0.3f;
+        first.st.historyDepth = 7;
+        first.st.FADE_DURATION_MS = 1234;
+        firstRows = first.st.songHistory;
+        ScopedCurrentDirectory cwd(folder.data);
+        shutdown(first.st);
+    }
+    StartedPlayer second(folder);
+    const PlayerState& st = second.st;
+    EXPECT_EQ(st.directoryPaths.size(), 3u);
+    EXPECT_NE(second.output.find("No library cache: rebuilding the library from the music "
+                                 "folders.\n"),
+              std::string::npos);
+    EXPECT_EQ(st.playlists.size(), 2u);
+    EXPECT_FLOAT_EQ(st.volume, 0.3f);
+    EXPECT_EQ(st.historyDepth, 7);
+    EXPECT_EQ(st.FADE_DURATION_MS, 1234);
+    ASSERT_EQ(firstRows.size(), 1u);
+    ASSERT_EQ(st.songHistory.size(), 2u); // the first run's row, then this run's first song
+    EXPECT_EQ(st.songHistory[0], firstRows[0]);
 }
 
 TEST(StartupTimers, StartInTheirOrderWithTheirPeriods) {
