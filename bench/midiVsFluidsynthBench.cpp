@@ -8,20 +8,14 @@
 // file: small next to loading the font and a minute of 16 busy channels.
 #include "benchSupport.h"
 #include "media/midiWriter.h"
+#include "media/process.h"
 #include "playback/engine/decoder.h"
 
 #include <cstdio>
 #include <ctime>
-#include <fcntl.h>
 #include <filesystem>
-#include <spawn.h>
 #include <string>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
-
-extern char** environ;
 
 namespace {
 
@@ -34,10 +28,6 @@ double processCpuSeconds() {
     timespec now{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
     return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
-}
-
-double secondsOf(const timeval& t) {
-    return double(t.tv_sec) + double(t.tv_usec) * 1e-6;
 }
 
 // Loads the font, opens the song and renders it to its end; the font and the decoder are freed
@@ -63,21 +53,8 @@ double cpuOfOurs(const std::string& font, const std::string& song, std::uint64_t
 double cpuOfFluidsynth(const std::string& font, const std::string& song, const std::string& out) {
     std::vector<std::string> args = {"fluidsynth", "-ni",   "-q", "-F",  out,  "-r", "44100",
                                      "-O",         "float", "-T", "raw", font, song};
-    std::vector<char*> argv;
-    for (std::string& arg : args)
-        argv.push_back(arg.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t child = 0;
-    int status = 0;
-    rusage usage{};
-    bool ok = posix_spawnp(&child, "fluidsynth", &actions, nullptr, argv.data(), environ) == 0 &&
-              ::wait4(child, &status, 0, &usage) == child && WIFEXITED(status) &&
-              WEXITSTATUS(status) == 0;
-    posix_spawn_file_actions_destroy(&actions);
-    return ok ? secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime) : -1.0;
+    media::ProgramRun run = media::runProgram(std::move(args));
+    return run.ok ? run.cpuSeconds : -1.0;
 }
 
 } // namespace

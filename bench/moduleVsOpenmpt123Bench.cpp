@@ -7,23 +7,18 @@
 // take at most 15% more than openmpt123.
 #include "benchSupport.h"
 #include "media/moduleWriter.h"
+#include "media/process.h"
 #include "playback/engine/decoder.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <optional>
-#include <spawn.h>
 #include <string>
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
-
-extern char** environ;
 
 namespace {
 
@@ -86,24 +81,10 @@ std::optional<double> secondsOfOpenmpt123(const std::string& module) {
                                      "raw",
                                      "--",
                                      module};
-    std::vector<char*> argv;
-    for (std::string& arg : args)
-        argv.push_back(arg.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t child = 0;
-    int status = 0;
-    rusage usage{};
-    bool ok = posix_spawnp(&child, "openmpt123", &actions, nullptr, argv.data(), environ) == 0 &&
-              ::wait4(child, &status, 0, &usage) == child && WIFEXITED(status) &&
-              WEXITSTATUS(status) == 0;
-    posix_spawn_file_actions_destroy(&actions);
-    if (!ok)
+    media::ProgramRun run = media::runProgram(std::move(args), /*quietErrors=*/true);
+    if (!run.ok)
         return std::nullopt;
-    return cpuSeconds(usage);
+    return run.cpuSeconds;
 }
 
 // Byte for byte, a chunk at a time: each file holds some 80 MB of floats.

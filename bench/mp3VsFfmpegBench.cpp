@@ -5,20 +5,14 @@
 // is taken off its figure; ours keeps its open. Ours may take at most 15% more.
 #include "benchSupport.h"
 #include "media/encodedAudio.h"
+#include "media/process.h"
 #include "playback/engine/decoder.h"
 
 #include <cstdio>
 #include <ctime>
-#include <fcntl.h>
 #include <filesystem>
-#include <spawn.h>
 #include <string>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
-
-extern char** environ;
 
 namespace {
 
@@ -72,28 +66,8 @@ double cpuSecondsOfFfmpeg(const std::string& song, bool onlyStart) {
         "pcm_f32le", "-ar",      "44100",        "-ac",       "2",     "-f", "null", "-"};
     if (onlyStart)
         args.insert(args.end() - 1, {"-t", "0.1"});
-    std::vector<char*> argv;
-    for (std::string& arg : args)
-        argv.push_back(arg.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t child = 0;
-    int spawned = posix_spawnp(&child, "ffmpeg", &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0)
-        return -1.0;
-    int status = 0;
-    rusage usage{};
-    if (::wait4(child, &status, 0, &usage) != child || !WIFEXITED(status) ||
-        WEXITSTATUS(status) != 0)
-        return -1.0;
-    auto seconds = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+    media::ProgramRun run = media::runProgram(std::move(args));
+    return run.ok ? run.cpuSeconds : -1.0;
 }
 
 } // namespace

@@ -4,16 +4,14 @@
 #include "benchSupport.h"
 #include "core/playerState.h"
 #include "library/scan.h"
+#include "media/process.h"
 
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
-#include <spawn.h>
 #include <string>
-#include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
+#include <vector>
 
 namespace {
 
@@ -59,20 +57,9 @@ bool ensureTree(const std::filesystem::path& root) {
 
 // find is started the way any program would be, without a shell in between.
 double secondsOfFind(const std::string& root) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    std::string program = "find", type = "-type", file = "f";
-    std::string rootArg = root;
-    char* argv[] = {program.data(), rootArg.data(), type.data(), file.data(), nullptr};
-    int status = 0;
+    std::vector<std::string> args = {"find", root, "-type", "f"};
     bool ok = true;
-    double seconds = bench::secondsOf([&] {
-        pid_t child = 0;
-        ok = posix_spawnp(&child, "find", &actions, nullptr, argv, environ) == 0 &&
-             ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    });
-    posix_spawn_file_actions_destroy(&actions);
+    double seconds = bench::secondsOf([&] { ok = media::runProgram(args).ok; });
     return ok ? seconds : -1.0;
 }
 

@@ -21,15 +21,8 @@ class Loading : public NullEngine {
     void addSongs(const std::vector<std::string>& files) {
         Playlist playlist;
         playlist.albumName = "Album";
-        for (const std::string& file : files) {
-            Song song;
-            song.songPath = file;
-            std::string ext = extensionOf(file);
-            for (char& c : ext)
-                c = static_cast<char>(std::tolower(c));
-            song.musicType = classifyExtension(ext);
-            playlist.songs.push_back(song);
-        }
+        for (const std::string& file : files)
+            playlist.songs.push_back(songOf(file));
         playlist.songCount = static_cast<int>(playlist.songs.size());
         st.playlists.push_back(playlist);
         recountLibrary(st);

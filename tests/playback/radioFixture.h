@@ -26,15 +26,8 @@ class Radio : public NullEngine {
 
     // One playlist per file, so that a request names a song by its playlist.
     void addPlaylists(const std::vector<std::string>& files) {
-        for (const std::string& file : files) {
-            Song song;
-            song.songPath = file;
-            std::string ext = extensionOf(file);
-            for (char& c : ext)
-                c = static_cast<char>(std::tolower(c));
-            song.musicType = classifyExtension(ext);
-            st.playlists.push_back(Playlist{"Album", {song}, 1, 0, 0, 0});
-        }
+        for (const std::string& file : files)
+            st.playlists.push_back(Playlist{"Album", {songOf(file)}, 1, 0, 0, 0});
         recountLibrary(st);
         st.scanSongCount = st.totalSongCount;
         st.scanPlaylistCount = static_cast<int>(st.playlists.size());

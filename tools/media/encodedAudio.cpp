@@ -1,20 +1,15 @@
 #include "media/encodedAudio.h"
 
+#include "media/process.h"
+
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <numbers>
 #include <random>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-extern char** environ;
 
 namespace media {
 namespace {
@@ -81,31 +76,6 @@ const char* const* codecArgsFor(const std::string& extension) {
     if (extension == ".flac")
         return flac;
     return nullptr;
-}
-
-// Runs a program without a shell, its input and output on /dev/null and its errors shown.
-bool runQuietly(std::vector<std::string> args) {
-    std::vector<char*> argv;
-    for (std::string& arg : args)
-        argv.push_back(arg.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t child = 0;
-    int spawned = posix_spawnp(&child, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0) {
-        std::fprintf(stderr, "media: cannot start %s: %s\n", argv[0], std::strerror(spawned));
-        return false;
-    }
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0) {
-        if (errno != EINTR)
-            return false;
-    }
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 std::uint32_t readLe(const unsigned char* p, int bytes) {
@@ -187,7 +157,7 @@ std::string encodeAudio(const std::string& wavPath, const std::string& outPath,
         args.emplace_back(*codecArgs);
     args.insert(args.end(), extraArgs.begin(), extraArgs.end());
     args.push_back(outPath);
-    if (!runQuietly(std::move(args))) {
+    if (!runProgram(std::move(args)).ok) {
         std::fprintf(stderr, "media: ffmpeg could not make %s\n", outPath.c_str());
         return {};
     }
@@ -195,8 +165,9 @@ std::string encodeAudio(const std::string& wavPath, const std::string& outPath,
 }
 
 std::string writeVideoOnly(const std::string& outPath) {
-    if (!runQuietly({"ffmpeg", "-nostdin", "-hide_banner", "-loglevel", "error", "-y", "-f",
-                     "lavfi", "-i", "color=c=blue:s=32x32:d=0.2", "-c:v", "ffv1", outPath})) {
+    if (!runProgram({"ffmpeg", "-nostdin", "-hide_banner", "-loglevel", "error", "-y", "-f",
+                     "lavfi", "-i", "color=c=blue:s=32x32:d=0.2", "-c:v", "ffv1", outPath})
+             .ok) {
         std::fprintf(stderr, "media: ffmpeg could not make %s\n", outPath.c_str());
         return {};
     }
