@@ -251,3 +251,12 @@ void appendHistory(PlayerState& st, int songType, int songIndex, int plistIndex)
     st.historyPosition = st.historyEnd;
     st.historyEnd += 1;
 }
+
+const Song* findSong(const PlayerState& st, SongRef ref) {
+    if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size()))
+        return nullptr;
+    const std::vector<Song>& songs = st.playlists[ref.plistIndex].songs;
+    if (ref.songIndex < 0 || ref.songIndex >= static_cast<int>(songs.size()))
+        return nullptr;
+    return &songs[ref.songIndex];
+}

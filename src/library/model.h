@@ -24,5 +24,8 @@ std::string titleFromPath(std::string_view path);
 // currentFolderTitle.
 std::string displayPath(PlayerState& st, std::string_view songPath, MusicType musicType);
 
+// The song a reference names, or null when it names none (a stale reference after a rescan).
+const Song* findSong(const PlayerState& st, SongRef ref);
+
 // Appends a history row and makes it the one that plays.
 void appendHistory(PlayerState& st, int songType, int songIndex, int plistIndex);

@@ -78,11 +78,6 @@ void startFadeWorker(PlayerState& st) {
     std::thread([&st, deadline] { runWorker(st, deadline); }).detach();
 }
 
-void wakeFadeWorkers(PlayerState& st) {
-    std::lock_guard lock(st.fadeSleepLock);
-    st.fadeWake.notify_all();
-}
-
 void endFadeWorkers(PlayerState& st) {
     std::unique_lock lock(st.fadeSleepLock);
     st.fadeWorkersEnding = true;

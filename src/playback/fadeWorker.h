@@ -14,8 +14,6 @@ class FadeClock {
 // Starts a detached worker that sleeps FADE_DURATION_MS, then stops and frees the pair that is
 // not audible and clears fadeWorkerRunning. The flag is set here, before the thread runs.
 void startFadeWorker(PlayerState& st);
-// Wakes every sleeping worker (a clock moved on, or the player ends).
-void wakeFadeWorkers(PlayerState& st);
 // At exit: every worker clears its pair at once, and this returns when the last has ended, so
 // none outlives the state it works on.
 void endFadeWorkers(PlayerState& st);

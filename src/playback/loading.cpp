@@ -153,12 +153,8 @@ void startPlayback(PlayerState& st) {
 
 // Names what the draw chose, so that a headless run shows it.
 void logChosenSong(const PlayerState& st, SongRef ref) {
-    if (st.onStation || st.songHistory.empty())
-        return;
-    if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size()))
-        return;
-    const std::vector<Song>& songs = st.playlists[ref.plistIndex].songs;
-    if (ref.songIndex < 0 || ref.songIndex >= static_cast<int>(songs.size()))
+    const Song* song = findSong(st, ref);
+    if (st.onStation || st.songHistory.empty() || !song)
         return;
     int at = st.historyPosition;
     if (at < 0 || at >= static_cast<int>(st.songHistory.size()))
@@ -166,7 +162,7 @@ void logChosenSong(const PlayerState& st, SongRef ref) {
     if (at < 0 || at >= static_cast<int>(st.songHistory.size()))
         return;
     const HistoryEntry& row = st.songHistory[at];
-    logOut("Drawn song: %s\n", songs[ref.songIndex].songPath.c_str());
+    logOut("Drawn song: %s\n", song->songPath.c_str());
     logOut("History row %d: songType %d, songIndex %d, plistIndex %d\n", at, row.songType,
            row.songIndex, row.plistIndex);
 }

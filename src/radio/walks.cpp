@@ -1,20 +1,16 @@
 #include "radio/walks.h"
 
 #include "core/playerState.h"
+#include "library/model.h"
 #include "playback/crossfade.h"
 #include "radio/selection.h"
 
 namespace {
 
-bool namesSong(const PlayerState& st, int plist, int song) {
-    return plist >= 0 && plist < static_cast<int>(st.playlists.size()) && song >= 0 &&
-           song < static_cast<int>(st.playlists[plist].songs.size());
-}
-
 bool rowExists(const PlayerState& st, const HistoryEntry& row) {
     if (row.songType == musicTypeStation)
         return row.plistIndex >= 0 && row.plistIndex < static_cast<int>(st.radioStations.size());
-    return namesSong(st, row.plistIndex, row.songIndex);
+    return findSong(st, SongRef{row.plistIndex, row.songIndex}) != nullptr;
 }
 
 // A row that names what is gone (a file of an earlier run, a hand edit) ends the walk, and a
@@ -37,8 +33,8 @@ SongRef readHistoryRow(PlayerState& st) {
 
 SongRef playChosen(PlayerState& st, SongRef ref) {
     st.previousMusicType = st.currentMusicType;
-    if (namesSong(st, ref.plistIndex, ref.songIndex))
-        st.currentMusicType = st.playlists[ref.plistIndex].songs[ref.songIndex].musicType;
+    if (const Song* song = findSong(st, ref))
+        st.currentMusicType = song->musicType;
     st.onStation = false;
     return ref;
 }

@@ -10,13 +10,6 @@
 
 namespace {
 
-std::string readText(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 int copiesAside(const TempDir& dir) {
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(dir.path()))
@@ -29,14 +22,15 @@ TEST(HistoryFile, IsWrittenInItsExactFormAndReadBack) {
     std::string path = (dir.path() / "Song History.json").string();
     PlayerState st;
     saveSongHistory(st, path);
-    EXPECT_EQ(readText(path), "null");
+    EXPECT_EQ(TempDir::read(path), "null");
     st.songHistory = {{1, 7, 2}, {3, 4, 4}};
     saveSongHistory(st, path);
-    EXPECT_EQ(readText(path), "{\n    \"songs\": [\n        {\n            \"plistIndex\": 2,\n"
-                              "            \"songIndex\": 7,\n            \"songType\": 1\n"
-                              "        },\n        {\n            \"plistIndex\": 4,\n"
-                              "            \"songIndex\": 4,\n            \"songType\": 3\n"
-                              "        }\n    ]\n}");
+    EXPECT_EQ(TempDir::read(path),
+              "{\n    \"songs\": [\n        {\n            \"plistIndex\": 2,\n"
+              "            \"songIndex\": 7,\n            \"songType\": 1\n"
+              "        },\n        {\n            \"plistIndex\": 4,\n"
+              "            \"songIndex\": 4,\n            \"songType\": 3\n"
+              "        }\n    ]\n}");
     PlayerState back;
     loadSongHistory(back, path);
     EXPECT_EQ(back.songHistory, st.songHistory);
@@ -85,7 +79,7 @@ TEST_P(DamagedHistory, KeepsWhatCanBeReadWithOneLineAndACopyAside) {
     EXPECT_EQ(st.songHistory.size(), GetParam().rowsKept);
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
     EXPECT_EQ(copiesAside(dir), 1);
-    EXPECT_EQ(readText(path), GetParam().text); // the original stays until the next save
+    EXPECT_EQ(TempDir::read(path), GetParam().text); // the original stays until the next save
 }
 
 const std::string goodRow = R"({"plistIndex":0,"songIndex":1,"songType":1})";
@@ -121,7 +115,7 @@ TEST(HistoryFile, ASaveThatCannotBeWrittenLeavesTheOldFileIntact) {
     std::filesystem::create_symlink(target, dir.path() / "link.json");
     saveSongHistory(st, (dir.path() / "link.json").string());
     EXPECT_TRUE(std::filesystem::is_symlink(dir.path() / "link.json"));
-    EXPECT_NE(readText(target), "null");
+    EXPECT_NE(TempDir::read(target), "null");
 }
 
 } // namespace

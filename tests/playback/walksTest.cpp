@@ -55,8 +55,12 @@ TEST_F(Walks, PreviousGoesRoundTheOtherWay) {
     for (std::size_t i = 0; i < modes.size(); ++i) {
         step(previousPlaylist);
         EXPECT_EQ(st.stationMode, modes[i]) << i;
-        if (modes[i] == 0) EXPECT_EQ(st.modePlaylist, playlistsOrStations[i]);
-        if (modes[i] == 4) EXPECT_EQ(st.currentStation, playlistsOrStations[i]);
+        if (modes[i] == 0) {
+            EXPECT_EQ(st.modePlaylist, playlistsOrStations[i]);
+        }
+        if (modes[i] == 4) {
+            EXPECT_EQ(st.currentStation, playlistsOrStations[i]);
+        }
     }
     EXPECT_EQ(st.builtInStation, 0);
 }

@@ -14,13 +14,6 @@ using testing::internal::GetCapturedStderr;
 
 namespace {
 
-std::string readText(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 int countLines(const std::string& text) {
     return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
 }
@@ -120,7 +113,7 @@ TEST(MusicSettings, DefaultsAreWrittenByteForByte) {
     PlayerState st;
     st.dataDirectory = dir.str();
     saveMusicSettings(st);
-    EXPECT_EQ(readText(dir.path() / "MusicSettings.json"), defaultFile);
+    EXPECT_EQ(TempDir::read(dir.path() / "MusicSettings.json"), defaultFile);
 }
 
 TEST(MusicSettings, EverySettingChangedSurvivesASaveAndALoad) {
@@ -286,7 +279,7 @@ TEST(MusicSettings, FilePathsReplaceTheWholeListAndUnknownKeysAreDroppedOnSave) 
     EXPECT_EQ(st.directoryPaths, std::vector<std::string>{"/new"});
     EXPECT_EQ(st.rawMIDI, 60);
     saveMusicSettings(st);
-    EXPECT_EQ(readText(file).find("someOldKey"), std::string::npos);
+    EXPECT_EQ(TempDir::read(file).find("someOldKey"), std::string::npos);
 }
 
 TEST(MusicSettings, TextThatIsNotUtf8StillGetsTheFileWritten) {

@@ -37,3 +37,8 @@ fs::path TempDir::mkdir(const std::string& relative) const {
     fs::create_directories(dir);
     return dir;
 }
+
+std::string TempDir::read(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}

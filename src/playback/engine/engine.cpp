@@ -112,16 +112,20 @@ void Engine::shutDownLocked() {
     initialized = false;
 }
 
+// File names and plug-in names compare without regard to ASCII case.
+std::string asciiLower(std::string text) {
+    for (char& c : text)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return text;
+}
+
 std::string lowerExtension(const std::string& path) {
     std::size_t dot = path.find_last_of('.');
     std::size_t slash = path.find_last_of('/');
     if (dot == std::string::npos || (slash != std::string::npos && dot < slash))
         return {};
-    std::string ext = path.substr(dot);
-    for (char& c : ext)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return ext;
+    return asciiLower(path.substr(dot));
 }
 
 // The decoder role a file needs, empty when the core decoders serve it.
@@ -229,10 +233,7 @@ std::uint64_t msToFrames(int milliseconds) {
 // --- Set-up.
 
 std::uint32_t pluginLoad(const std::string& name) {
-    std::string lower = name;
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
+    std::string lower = asciiLower(name);
     std::string role = lower.find("midi") != std::string::npos   ? "midi"
                        : lower.find("aac") != std::string::npos  ? "aac"
                        : lower.find("flac") != std::string::npos ? "flac"
