@@ -14,3 +14,17 @@ inline std::string joinPath(std::string base, std::string_view tail) {
     base += tail;
     return base;
 }
+
+// File names compare without regard to ASCII case; other bytes stay as they are.
+inline std::string asciiLower(std::string text) {
+    for (char& c : text)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return text;
+}
+
+// The text behind the last "/" or "\", or all of it when there is neither.
+inline std::string_view fileNameOf(std::string_view path) {
+    std::size_t cut = path.find_last_of("/\\");
+    return cut == std::string_view::npos ? path : path.substr(cut + 1);
+}

@@ -58,6 +58,11 @@ struct PlayerState {
     // --- Paths.
     std::string dataDirectory;
     std::string libraryCachePath = "musicLibraryCache.json";
+    // Set by the start-up until MusicSettings.json has been read: a library save in that time
+    // must not write the defaults over the stored settings.
+    bool settingsSaveHeld = false;
+    // Whether the settings read at start-up named the root folders (an empty list counts).
+    bool storedRootsRead = false;
     std::string soundFontDirectoryPath;
     std::string marbleTunnelPath;
     std::string gameExePath;

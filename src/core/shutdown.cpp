@@ -2,27 +2,40 @@
 
 #include "core/paths.h"
 #include "core/playerState.h"
+#include "display/textures.h"
 #include "gamelink/commandFile.h"
 #include "input/controllers.h"
+#include "input/hotkeys.h"
 #include "library/cache.h"
 #include "library/favorites.h"
 #include "library/history.h"
+#include "library/stations.h"
 #include "platform/platform.h"
 #include "playback/audioSetup.h"
 #include "playback/fadeWorker.h"
-#include "settings/musicSettings.h"
+#include "settings/configFile.h"
+#include "settings/exchangeFiles.h"
 
 void shutdown(PlayerState& st) {
     platform::killTimer(platform::timerRepaint);
     platform::killTimer(platform::timerVolumeLatch);
     platform::killTimer(platform::timerPoll);
-    saveLibraryCache(st);
-    saveMusicSettings(st);
+    // The host owns the back buffer; the logic lets go of it.
+    st.backBufferBitmap = nullptr;
+    st.backBufferDC = nullptr;
+    unregisterHotkeys(st);
+    releaseTextures(st);
+    saveColorsIfMissing(st);
+    saveLibraryCache(st); // and MusicSettings.json; the music plays on until the audio goes
+    if (!st.marbleTunnelPath.empty())
+        exportForGame(st);
     // No fade-out worker may outlive the state it works on: each clears its pair now.
     endFadeWorkers(st);
     freeAudio(st);
     closeControllers(st);
     rebuildFavorites(st);
+    saveStations(st, joinPath(st.dataDirectory, "/InternetStations.json"));
+    saveFavoritesFile(st, joinPath(st.dataDirectory, "/favorite.json"));
     saveSongHistory(st, joinPath(st.dataDirectory, "/Song History.json"));
     if (!st.marbleTunnelPath.empty())
         writeMusicRunning(st, "no");

@@ -77,6 +77,15 @@ void restoreLibraryFromRoots(PlayerState& st) {
     applyFavorites(st, st.favorites);
 }
 
+// A library cache with songs, but settings that could not say which folders it came from (lost
+// or damaged): a first-start rebuild would wipe every play count and favourite, so the library
+// stays and its folders are taken from its own song paths.
+void keepCachedLibrary(PlayerState& st) {
+    st.directoryPaths = rootsOfLibrary(st.playlists);
+    logErr("The settings name no music folders; keeping the library cache and its %zu folders.\n",
+           st.directoryPaths.size());
+}
+
 } // namespace
 
 void buildListEntries(PlayerState& st) {
@@ -115,6 +124,8 @@ void runStartupSequence(PlayerState& st) {
     loadAudioPlugins(st);
     initAudioAtStartup(st);
 
+    // The default scan below saves the library before the stored settings have been read.
+    st.settingsSaveHeld = true;
     st.playlists = loadLibraryCache(st);
     recountLibrary(st);
     const bool cacheHadSongs = st.totalSongCount > 0;
@@ -124,10 +135,13 @@ void runStartupSequence(PlayerState& st) {
     setUpStartupSoundFonts(st);
 
     loadFromDataOrBare(st, "MusicSettings.json", loadMusicSettings);
+    st.settingsSaveHeld = false;
     loadColorsAtStartup(st);
     st.marbleTunnelPath = parentOfCurrentDirectory();
     logOut("Current directory: %s\n", st.marbleTunnelPath.c_str());
-    if (st.directoryPaths.empty())
+    if (st.directoryPaths.empty() && cacheHadSongs && !st.storedRootsRead)
+        keepCachedLibrary(st);
+    else if (st.directoryPaths.empty())
         buildFirstLibrary(st);
     else if (!cacheHadSongs)
         restoreLibraryFromRoots(st);

@@ -8,3 +8,5 @@ void loadStartupTextures(PlayerState&) {}
 void loadNamedTextures(PlayerState&) {}
 
 void applyRandomColorScheme(PlayerState&) {}
+
+void releaseTextures(PlayerState&) {}

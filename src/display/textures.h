@@ -10,3 +10,5 @@ void loadStartupTextures(PlayerState& st);
 void loadNamedTextures(PlayerState& st);
 // Copies a colour scheme drawn with rand() into the colour settings when randomColorPlayer is on.
 void applyRandomColorScheme(PlayerState& st);
+// Frees the loaded texture bitmaps and clears their slots.
+void releaseTextures(PlayerState& st);

@@ -8,3 +8,5 @@ bool loadHotkeys(PlayerState&, const std::string&) {
 }
 
 void registerHotkeys(PlayerState&) {}
+
+void unregisterHotkeys(PlayerState&) {}

@@ -7,3 +7,5 @@ struct PlayerState;
 bool loadHotkeys(PlayerState& st, const std::string& path);
 // Registers the chords of rows 0 to 29 with the window system.
 void registerHotkeys(PlayerState& st);
+// Gives the registered chords back to the window system.
+void unregisterHotkeys(PlayerState& st);

@@ -6,9 +6,10 @@
 #include "library/folderListing.h"
 #include "library/scan.h"
 
+#include <algorithm>
 #include <cstring>
 
-void rebuildLibrary(PlayerState& st) {
+void scanAllRoots(PlayerState& st) {
     st.playlists.clear();
     st.scanSongCount = 0;
     st.scanPlaylistCount = 0;
@@ -17,7 +18,45 @@ void rebuildLibrary(PlayerState& st) {
         st.playlists.insert(st.playlists.end(), std::make_move_iterator(found.begin()),
                             std::make_move_iterator(found.end()));
     }
+}
+
+void rebuildLibrary(PlayerState& st) {
+    scanAllRoots(st);
     saveLibraryCache(st);
+}
+
+namespace {
+
+// Where ROOT/ALBUM/ could begin in path: every root the path allows, shortest first.
+std::vector<std::string> rootCandidates(const std::string& path, const std::string& album) {
+    std::vector<std::string> roots;
+    std::string middle = "/" + album + "/";
+    for (std::size_t at = path.find(middle); at != std::string::npos;
+         at = path.find(middle, at + 1))
+        roots.push_back(at == 0 ? std::string("/") : path.substr(0, at));
+    return roots;
+}
+
+} // namespace
+
+std::vector<std::string> rootsOfLibrary(const std::vector<Playlist>& playlists) {
+    std::vector<std::string> roots;
+    for (const Playlist& playlist : playlists) {
+        if (playlist.songs.empty() || playlist.albumName.empty())
+            continue;
+        // A folder inside the album may share its name; the root is one all songs agree on.
+        std::vector<std::string> common =
+            rootCandidates(playlist.songs.front().songPath, playlist.albumName);
+        for (const Song& song : playlist.songs) {
+            std::vector<std::string> mine = rootCandidates(song.songPath, playlist.albumName);
+            std::erase_if(common, [&mine](const std::string& root) {
+                return std::find(mine.begin(), mine.end(), root) == mine.end();
+            });
+        }
+        if (!common.empty() && std::find(roots.begin(), roots.end(), common.front()) == roots.end())
+            roots.push_back(common.front());
+    }
+    return roots;
 }
 
 std::vector<std::string> scanSoundFonts(const std::string& folder) {

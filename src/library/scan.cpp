@@ -20,11 +20,7 @@ void reportUnreadable(const std::string& path, int error) {
 
 // The scan accepts any case of an extension; classifyExtension itself does not.
 MusicType songTypeOfName(std::string_view name) {
-    std::string extension(extensionOfName(name));
-    for (char& c : extension)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c + ('a' - 'A'));
-    return classifyExtension(extension);
+    return classifyExtension(asciiLower(std::string(extensionOfName(name))));
 }
 
 void addFile(PlayerState& st, const std::string& path, std::string_view name, Playlist& playlist) {

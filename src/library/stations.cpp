@@ -1,8 +1,71 @@
 #include "library/stations.h"
 
+#include "core/log.h"
 #include "core/playerState.h"
+#include "settings/jsonFile.h"
 
-// Stations arrive with internet streams; until then there is no station file to read.
-bool loadStations(PlayerState&, const std::string&) {
-    return false;
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using Json = nlohmann::json;
+
+bool readStation(const Json& element, RadioStation& station) {
+    if (!element.is_object())
+        return false;
+    auto name = element.find("name");
+    auto url = element.find("url");
+    if (name == element.end() || !name->is_string() || url == element.end() || !url->is_string())
+        return false;
+    station.name = name->get<std::string>();
+    station.url = url->get<std::string>();
+    // Optional: stations of older files have no favourite fields.
+    for (auto [key, field] :
+         {std::pair{"favorite", &station.favorite}, {"favoriteCount", &station.favoriteCount}}) {
+        auto it = element.find(key);
+        if (it != element.end() && !readJsonInt(*it, *field))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool loadStations(PlayerState& st, const std::string& path) {
+    if (!std::ifstream(path, std::ios::binary)) {
+        logErr("Unable to open file for reading: %s\n", path.c_str());
+        return false;
+    }
+    st.radioStations.clear();
+    std::optional<Json> root = readJsonFile(path);
+    if (!root || root->is_null())
+        return true;
+    if (!root->is_array()) {
+        setAsideDamaged(path, "it is not a list of stations");
+        return true;
+    }
+    std::size_t dropped = 0;
+    for (const Json& element : *root) {
+        RadioStation station;
+        if (readStation(element, station))
+            st.radioStations.push_back(std::move(station));
+        else
+            ++dropped;
+    }
+    if (dropped > 0)
+        setAsideDamaged(path,
+                        std::to_string(dropped) + " stations could not be read and were left out");
+    return true;
+}
+
+void saveStations(const PlayerState& st, const std::string& path) {
+    Json root; // null without stations
+    for (const RadioStation& station : st.radioStations)
+        root.push_back({{"favorite", station.favorite},
+                        {"favoriteCount", station.favoriteCount},
+                        {"name", station.name},
+                        {"url", station.url}});
+    if (!writeJsonFile(path, root))
+        logErr("Unable to open file for writing: %s\n", path.c_str());
 }

@@ -1,38 +1,119 @@
 #include "settings/configFile.h"
 
+#include "core/log.h"
 #include "core/paths.h"
 #include "core/playerState.h"
 #include "settings/jsonFile.h"
 
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 namespace {
+
+using Json = nlohmann::json;
 
 std::string configPath(const PlayerState& st) {
     return joinPath(st.dataDirectory, "/config.json");
 }
 
-std::string stringAt(const nlohmann::json& root, const char* key) {
+std::string colorsPath(const PlayerState& st) {
+    return joinPath(st.dataDirectory, "/colors.json");
+}
+
+// An absent key is an empty path; one of another type is too, and is reported.
+std::string stringAt(const Json& root, const char* key, std::string& wrongKeys) {
     auto it = root.find(key);
-    return it != root.end() && it->is_string() ? it->get<std::string>() : std::string();
+    if (it == root.end())
+        return {};
+    if (it->is_string())
+        return it->get<std::string>();
+    wrongKeys += wrongKeys.empty() ? key : std::string(", ") + key;
+    return {};
+}
+
+bool readColor(const Json& element, ColorEntry& color) {
+    if (!element.is_object())
+        return false;
+    auto name = element.find("name");
+    if (name == element.end() || !name->is_string())
+        return false;
+    for (auto [key, field] : {std::pair{"r", &color.r}, {"g", &color.g}, {"b", &color.b}}) {
+        auto it = element.find(key);
+        if (it == element.end() || !readJsonInt(*it, *field))
+            return false;
+    }
+    color.name = name->get<std::string>();
+    return true;
 }
 
 } // namespace
 
 ConfigPaths loadConfig(const PlayerState& st) {
-    std::optional<nlohmann::json> root = readJsonFile(configPath(st));
-    if (!root || !root->is_object())
+    std::string path = configPath(st);
+    std::optional<Json> root = readJsonFile(path);
+    if (!root || root->is_null())
         return {};
-    return ConfigPaths{stringAt(*root, "soundFontDirectoryPath"),
-                       stringAt(*root, "marbleTunnelPath")};
+    if (!root->is_object()) {
+        setAsideDamaged(path, "it is not a JSON object");
+        return {};
+    }
+    std::string wrongKeys;
+    ConfigPaths paths{stringAt(*root, "soundFontDirectoryPath", wrongKeys),
+                      stringAt(*root, "marbleTunnelPath", wrongKeys)};
+    if (!wrongKeys.empty())
+        setAsideDamaged(path, "wrong type for " + wrongKeys);
+    return paths;
 }
 
 void saveConfig(const PlayerState& st) {
-    nlohmann::json root = nlohmann::json::object();
+    Json root = Json::object();
     root["marbleTunnelPath"] = st.marbleTunnelPath;
     root["soundFontDirectoryPath"] = st.soundFontDirectoryPath;
-    writeJsonFile(configPath(st), root);
+    if (!writeJsonFile(configPath(st), root))
+        logErr("Unable to open file for writing: %s\n", configPath(st).c_str());
 }
 
-// The colours file arrives with the colour schemes; nothing at start-up uses it.
-void loadColorsAtStartup(const PlayerState&) {}
+std::vector<ColorEntry> loadColors(const std::string& path) {
+    if (!std::ifstream(path, std::ios::binary)) {
+        logErr("Unable to open file for reading: %s\n", path.c_str());
+        return {};
+    }
+    std::vector<ColorEntry> colors;
+    std::optional<Json> root = readJsonFile(path);
+    if (!root || root->is_null())
+        return colors;
+    if (!root->is_array()) {
+        setAsideDamaged(path, "it is not a list of colours");
+        return colors;
+    }
+    std::size_t dropped = 0;
+    for (const Json& element : *root) {
+        ColorEntry color;
+        if (readColor(element, color))
+            colors.push_back(std::move(color));
+        else
+            ++dropped;
+    }
+    if (dropped > 0)
+        setAsideDamaged(path, std::to_string(dropped) + " colours could not be read");
+    return colors;
+}
+
+void saveColors(const std::vector<ColorEntry>& colors, const std::string& path) {
+    Json root;
+    for (const ColorEntry& color : colors)
+        root.push_back({{"b", color.b}, {"g", color.g}, {"name", color.name}, {"r", color.r}});
+    if (!writeJsonFile(path, root))
+        logErr("Unable to open file for writing: %s\n", path.c_str());
+}
+
+void loadColorsAtStartup(const PlayerState& st) {
+    loadColors(colorsPath(st));
+}
+
+void saveColorsIfMissing(const PlayerState& st) {
+    std::string path = colorsPath(st);
+    if (std::ifstream(path, std::ios::binary))
+        return;
+    saveColors(std::vector<ColorEntry>(namedColors.begin(), namedColors.end()), path);
+}

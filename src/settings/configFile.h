@@ -1,5 +1,8 @@
 #pragma once
+#include "display/colors.h"
+
 #include <string>
+#include <vector>
 
 struct PlayerState;
 
@@ -11,5 +14,13 @@ struct ConfigPaths {
 // config.json in the data folder; both paths empty when it cannot be read. Touches no field.
 ConfigPaths loadConfig(const PlayerState& st);
 void saveConfig(const PlayerState& st);
-// colors.json in the data folder; read at start-up, applied to nothing.
+
+// colors.json: a list of named colours, written for the user to see; the player reads it back
+// but takes its colours from its own tables.
+std::vector<ColorEntry> loadColors(const std::string& path);
+void saveColors(const std::vector<ColorEntry>& colors, const std::string& path);
+// Read at start-up, applied to nothing.
 void loadColorsAtStartup(const PlayerState& st);
+// At exit: writes the built-in colours when colors.json cannot be opened; an existing file is
+// left as the user made it.
+void saveColorsIfMissing(const PlayerState& st);

@@ -3,12 +3,15 @@
 #include "core/log.h"
 
 #include <cerrno>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <sys/stat.h>
@@ -95,6 +98,72 @@ bool writeJsonFile(const std::string& path, const nlohmann::json& document) {
     if (!written || std::rename(temporary.c_str(), target.c_str()) != 0) {
         ::unlink(temporary.c_str());
         return false;
+    }
+    return true;
+}
+
+// A number past the 32-bit range has no integer to cut to, and counts as the wrong type rather
+// than wrapping to something arbitrary.
+bool readJsonInt(const nlohmann::json& value, int& out) {
+    constexpr double low = std::numeric_limits<int>::min();
+    constexpr double high = std::numeric_limits<int>::max();
+    if (value.is_boolean()) {
+        out = value.get<bool>() ? 1 : 0;
+    } else if (value.is_number_unsigned()) {
+        auto number = value.get<std::uint64_t>();
+        if (number > static_cast<std::uint64_t>(high))
+            return false;
+        out = static_cast<int>(number);
+    } else if (value.is_number_integer()) {
+        auto number = value.get<std::int64_t>();
+        if (number < low || number > high)
+            return false;
+        out = static_cast<int>(number);
+    } else if (value.is_number_float()) {
+        double cut = std::trunc(value.get<double>());
+        if (!(cut >= low && cut <= high))
+            return false;
+        out = static_cast<int>(cut);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool isValidUtf8(std::string_view text) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
+    std::size_t size = text.size();
+    for (std::size_t i = 0; i < size;) {
+        unsigned char lead = bytes[i];
+        if (lead < 0x80) {
+            ++i;
+            continue;
+        }
+        std::size_t length;
+        unsigned char low = 0x80, high = 0xBF; // the range of the first continuation byte
+        if (lead >= 0xC2 && lead <= 0xDF) {
+            length = 2;
+        } else if (lead >= 0xE0 && lead <= 0xEF) {
+            length = 3;
+            if (lead == 0xE0)
+                low = 0xA0; // overlong
+            if (lead == 0xED)
+                high = 0x9F; // surrogates
+        } else if (lead >= 0xF0 && lead <= 0xF4) {
+            length = 4;
+            if (lead == 0xF0)
+                low = 0x90; // overlong
+            if (lead == 0xF4)
+                high = 0x8F; // past U+10FFFF
+        } else {
+            return false;
+        }
+        if (size - i < length || bytes[i + 1] < low || bytes[i + 1] > high)
+            return false;
+        for (std::size_t k = 2; k < length; ++k)
+            if (bytes[i + k] < 0x80 || bytes[i + k] > 0xBF)
+                return false;
+        i += length;
     }
     return true;
 }

@@ -2,6 +2,7 @@
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 
 // The one reading and writing path of the player's JSON files.
 
@@ -20,3 +21,10 @@ void setAsideDamaged(const std::string& path, const std::string& why);
 // link is followed to its target), so a crash or a full disk never leaves half a file. False,
 // with the old file intact, when it cannot be written.
 bool writeJsonFile(const std::string& path, const nlohmann::json& document);
+
+// An integer field of a file: any JSON number, cut toward zero, or a boolean as 0 or 1. A number
+// past the 32-bit range, or another type, is refused and leaves out untouched.
+bool readJsonInt(const nlohmann::json& value, int& out);
+
+// Whether text is well-formed UTF-8 (no overlong forms, no surrogates, nothing past U+10FFFF).
+bool isValidUtf8(std::string_view text);

@@ -7,10 +7,10 @@
 
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <fstream>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <string_view>
 #include <type_traits>
 #include <variant>
 #include <vector>
@@ -69,34 +69,6 @@ const std::array<Key, 37> keys{{
     {"rawRadio", &PlayerState::rawRadio},
 }};
 
-// Any number, cut toward zero, or a boolean as 0 or 1. A number past the 32-bit range has no
-// integer to cut to and counts as the wrong type rather than wrapping to something arbitrary.
-bool readInt(const Json& value, int& out) {
-    constexpr double low = std::numeric_limits<int>::min();
-    constexpr double high = std::numeric_limits<int>::max();
-    if (value.is_boolean()) {
-        out = value.get<bool>() ? 1 : 0;
-    } else if (value.is_number_unsigned()) {
-        auto number = value.get<std::uint64_t>();
-        if (number > static_cast<std::uint64_t>(high))
-            return false;
-        out = static_cast<int>(number);
-    } else if (value.is_number_integer()) {
-        auto number = value.get<std::int64_t>();
-        if (number < low || number > high)
-            return false;
-        out = static_cast<int>(number);
-    } else if (value.is_number_float()) {
-        double cut = std::trunc(value.get<double>());
-        if (!(cut >= low && cut <= high))
-            return false;
-        out = static_cast<int>(cut);
-    } else {
-        return false;
-    }
-    return true;
-}
-
 // Any number, narrowed to a 32-bit float; one past the float range would become infinite.
 bool readFloat(const Json& value, float& out) {
     if (!value.is_number())
@@ -128,7 +100,7 @@ bool readKey(const Json& value, Field field, PlayerState& st) {
             auto& target = st.*member;
             using T = std::remove_reference_t<decltype(target)>;
             if constexpr (std::is_same_v<T, int>) {
-                return readInt(value, target);
+                return readJsonInt(value, target);
             } else if constexpr (std::is_same_v<T, float>) {
                 return readFloat(value, target);
             } else if constexpr (std::is_same_v<T, std::vector<std::string>>) {
@@ -169,8 +141,13 @@ bool loadMusicSettings(PlayerState& st, const std::string& path) {
     std::string wrongKeys;
     for (const Key& key : keys) {
         auto it = root->find(key.name);
-        if (it == root->end() || readKey(*it, key.field, st))
+        if (it == root->end())
             continue;
+        if (readKey(*it, key.field, st)) {
+            if (key.name == std::string_view("directoryPaths"))
+                st.storedRootsRead = true;
+            continue;
+        }
         wrongKeys += wrongKeys.empty() ? "" : ", ";
         wrongKeys += key.name;
     }

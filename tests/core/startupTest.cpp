@@ -2,48 +2,13 @@
 
 #include "core/paths.h"
 #include "core/playerState.h"
-#include "core/shutdown.h"
 #include "library/model.h"
-#include "playback/audioSetup.h"
-#include "support/currentDirectory.h"
-#include "support/recordingPlatform.h"
-#include "support/tempDir.h"
+#include "support/startedPlayer.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 
 namespace {
-
-// A game folder with the player's data folder inside it, as the player is installed.
-struct GameFolder {
-    TempDir root;
-    std::string game = root.mkdir("game").string();
-    std::string data = root.mkdir("game/data").string();
-
-    void add(const std::string& relative) const { root.write("game/" + relative, "x"); }
-};
-
-// Runs the start-up in the data folder, the way the entry point does, and keeps its output.
-struct StartedPlayer {
-    PlayerState st;
-    RecordingPlatform platform;
-    std::string output;
-
-    explicit StartedPlayer(const GameFolder& folder) {
-        // A real output that needs no sound card; a user's choice of driver stays.
-        setenv("SDL_AUDIODRIVER", "dummy", 0);
-        ScopedCurrentDirectory cwd(folder.data);
-        st.dataDirectory = folder.data;
-        st.familyRng.seed(1);
-        st.selectionRng.seed(2);
-        st.rand15.seed(3);
-        testing::internal::CaptureStdout();
-        runStartupSequence(st);
-        output = testing::internal::GetCapturedStdout();
-    }
-    ~StartedPlayer() { freeAudio(st); }
-};
 
 TEST(GameFolderPath, IsTheParentOfTheCurrentDirectoryAndTheRootStaysTheRoot) {
     EXPECT_EQ(parentOfPath("/home/ann/game/data"), "/home/ann/game");
@@ -146,35 +111,6 @@ TEST(StartupList, APlaylistWithoutSongsShowsItsFolderNameAndReadsNothingPastItsE
                                      "Empty Album",
                                      "MP3 > Rock > Old Hits"};
     EXPECT_EQ(st.listEntries, list);
-}
-
-TEST(StartupPaths, ASecondStartRestoresTheSettingsAndHistoryAndRescansTheStoredRoots) {
-    GameFolder folder;
-    folder.add("HarpTone/MIDI Songs/Marches/x.mid");
-    folder.add("HarpTone/Tracker Songs/Chip/z.xm");
-    std::vector<HistoryEntry> firstRows;
-    {
-        StartedPlayer first(folder);
-        first.st.volume = 0.3f;
-        first.st.historyDepth = 7;
-        first.st.FADE_DURATION_MS = 1234;
-        firstRows = first.st.songHistory;
-        ScopedCurrentDirectory cwd(folder.data);
-        shutdown(first.st);
-    }
-    StartedPlayer second(folder);
-    const PlayerState& st = second.st;
-    EXPECT_EQ(st.directoryPaths.size(), 3u);
-    EXPECT_NE(second.output.find("No library cache: rebuilding the library from the music "
-                                 "folders.\n"),
-              std::string::npos);
-    EXPECT_EQ(st.playlists.size(), 2u);
-    EXPECT_FLOAT_EQ(st.volume, 0.3f);
-    EXPECT_EQ(st.historyDepth, 7);
-    EXPECT_EQ(st.FADE_DURATION_MS, 1234);
-    ASSERT_EQ(firstRows.size(), 1u);
-    ASSERT_EQ(st.songHistory.size(), 2u); // the first run's row, then this run's first song
-    EXPECT_EQ(st.songHistory[0], firstRows[0]);
 }
 
 TEST(StartupTimers, StartInTheirOrderWithTheirPeriods) {

@@ -10,13 +10,6 @@
 
 namespace {
 
-int copiesAside(const TempDir& dir) {
-    int count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(dir.path()))
-        count += entry.path().filename().string().find(".bad-") != std::string::npos;
-    return count;
-}
-
 TEST(HistoryFile, IsWrittenInItsExactFormAndReadBack) {
     TempDir dir;
     std::string path = (dir.path() / "Song History.json").string();
@@ -78,7 +71,7 @@ TEST_P(DamagedHistory, KeepsWhatCanBeReadWithOneLineAndACopyAside) {
     std::string log = testing::internal::GetCapturedStderr();
     EXPECT_EQ(st.songHistory.size(), GetParam().rowsKept);
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
-    EXPECT_EQ(copiesAside(dir), 1);
+    EXPECT_EQ(TempDir::copiesAside(dir.path()), 1);
     EXPECT_EQ(TempDir::read(path), GetParam().text); // the original stays until the next save
 }
 

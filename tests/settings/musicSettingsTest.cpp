@@ -18,13 +18,6 @@ int countLines(const std::string& text) {
     return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
 }
 
-int countSetAside(const TempDir& dir) {
-    int copies = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(dir.path()))
-        copies += entry.path().filename().string().starts_with("MusicSettings.json.bad-");
-    return copies;
-}
-
 // Every one of the 37 settings, field by field.
 void expectSameSettings(const PlayerState& a, const PlayerState& b) {
     EXPECT_EQ(a.directoryPaths, b.directoryPaths);
@@ -210,7 +203,7 @@ TEST_P(MusicSettingsDamaged, ReadableKeysAreTakenTheRestKeepDefaultsWithOneLine)
     std::string errors = GetCapturedStderr();
     EXPECT_EQ(countLines(errors), 1) << errors;
     EXPECT_NE(errors.find(file.string()), std::string::npos) << errors;
-    EXPECT_EQ(countSetAside(dir), 1);
+    EXPECT_EQ(TempDir::copiesAside(dir.path()), 1);
 
     PlayerState expected;
     expected.rawMIDI = GetParam().rawMIDI;

@@ -16,6 +16,9 @@ class TempDir {
     std::filesystem::path write(const std::string& relative, const std::string& bytes = "") const;
     std::filesystem::path mkdir(const std::string& relative) const;
 
+    // How many damaged files were copied aside (NAME.bad-TIME) directly in folder.
+    static int copiesAside(const std::filesystem::path& folder);
+
     // The whole of a file's bytes; empty when it cannot be read.
     static std::string read(const std::filesystem::path& file);
 

@@ -1,6 +1,7 @@
 #include "playback/engine/engine.h"
 
 #include "core/log.h"
+#include "core/paths.h"
 #include "playback/engine/channel.h"
 #include "playback/engine/mixer.h"
 #include "playback/engine/outputs.h"
@@ -110,14 +111,6 @@ void Engine::shutDownLocked() {
     fonts.clear();
     defaultFonts.clear();
     initialized = false;
-}
-
-// File names and plug-in names compare without regard to ASCII case.
-std::string asciiLower(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return text;
 }
 
 std::string lowerExtension(const std::string& path) {

@@ -1,0 +1,15 @@
+#pragma once
+#include <cstddef>
+
+struct PlayerState;
+
+// The Folder dialog's "Scan": the ratios back to their first-start values (rawFav keeps its
+// own), the library scanned anew from directoryPaths with every play count at 0, the favourites
+// carried over by file name, the library and settings saved, and a new song started. Nothing
+// happens without a root folder.
+void rescanLibrary(PlayerState& st);
+
+// The Folder dialog's "Delete Path": removes the root at index and rebuilds the library from the
+// others, favourites carried over by file name. The screen reads nothing of the song on show
+// until the dialog closes.
+void deleteLibraryPath(PlayerState& st, std::size_t index);

@@ -1,0 +1,204 @@
+#include "core/libraryEdits.h"
+#include "core/playerState.h"
+#include "core/shutdown.h"
+#include "library/favorites.h"
+#include "settings/musicSettings.h"
+#include "support/startedPlayer.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void stop(PlayerState& st, const GameFolder& folder) {
+    ScopedCurrentDirectory cwd(folder.data);
+    shutdown(st);
+}
+
+// The game's MIDI and tracker folders, each with one album.
+void addGameMusic(const GameFolder& folder) {
+    folder.add("HarpTone/MIDI Songs/Marches/x.mid");
+    folder.add("HarpTone/MIDI Songs/Marches/y.mid");
+    folder.add("HarpTone/Tracker Songs/Chip/z.xm");
+}
+
+TEST(Restart, BringsBackPlayCountsFavouritesHistoryAndEverySettingWithoutAScan) {
+    GameFolder folder;
+    addGameMusic(folder);
+    std::vector<Playlist> library;
+    std::vector<HistoryEntry> rows;
+    {
+        StartedPlayer first(folder);
+        PlayerState& st = first.st;
+        Song& y = st.playlists[0].songs[1];
+        y.playCount = 17;
+        countFavoriteUp(y);
+        countFavoriteUp(y);
+        countFavoriteUp(st.playlists[1]);
+        st.playlists[1].iRadioMode = 1;
+        st.volume = 0.3f;
+        st.historyDepth = -1;
+        st.FADE_DURATION_MS = 1234;
+        st.rawFav = 40;
+        st.useRumble = false;
+        st.currentBkTextureName = "Leather";
+        library = st.playlists;
+        rows = st.songHistory;
+        stop(st, folder);
+    }
+    const std::string settings = folder.read("data/MusicSettings.json");
+    EXPECT_NE(settings.find("\"historyDepth\": -1"), std::string::npos);
+    EXPECT_NE(folder.read("data/favorite.json").find("Marches/y.mid"), std::string::npos);
+    EXPECT_EQ(folder.read("data/InternetStations.json"), "null");
+    EXPECT_EQ(nlohmann::json::parse(folder.read("data/colors.json")).size(), 29u);
+    folder.add("HarpTone/MIDI Songs/Marches/added later.mid"); // no scan may find it
+
+    StartedPlayer second(folder);
+    PlayerState& st = second.st;
+    EXPECT_EQ(second.output.find("rebuilding"), std::string::npos);
+    ASSERT_EQ(st.playlists.size(), library.size());
+    ASSERT_EQ(st.playlists[0].songs.size(), 2u);
+    const Song& y = st.playlists[0].songs[1];
+    EXPECT_GE(y.playCount, 17); // one more if the start drew it again
+    EXPECT_EQ(y.isFavorite, 1);
+    EXPECT_EQ(y.favoriteCount, 2);
+    EXPECT_EQ(st.playlists[1].iRadioMode, 1);
+    EXPECT_EQ(st.playlists[1].favoriteCount, 1);
+    EXPECT_EQ(st.playlists[1].isFavorite, 1);
+    EXPECT_EQ(st.rawFav, 40);
+    EXPECT_EQ(st.historyDepth, -1);
+    EXPECT_FALSE(st.useRumble);
+    ASSERT_EQ(st.songHistory.size(), rows.size() + 1);
+    EXPECT_EQ(st.songHistory[0], rows[0]);
+    // Nothing of the settings changed in the second run, so its exit writes the same bytes.
+    stop(st, folder);
+    EXPECT_EQ(folder.read("data/MusicSettings.json"), settings);
+}
+
+TEST(Restart, ALostCacheIsRebuiltOnceFromTheStoredFolders) {
+    GameFolder folder;
+    addGameMusic(folder);
+    {
+        StartedPlayer first(folder);
+        first.st.volume = 0.3f;
+        stop(first.st, folder);
+    }
+    fs::remove(folder.data + "/musicLibraryCache.json");
+    StartedPlayer second(folder);
+    EXPECT_NE(second.output.find("No library cache: rebuilding the library from the music "
+                                 "folders.\n"),
+              std::string::npos);
+    EXPECT_EQ(second.st.directoryPaths.size(), 3u);
+    EXPECT_EQ(second.st.playlists.size(), 2u);
+    EXPECT_FLOAT_EQ(second.st.volume, 0.3f);
+}
+
+// Settings that cannot say where the library came from must not send the start-up down the
+// first-start path, whose rebuild would replace the cache and every count in it.
+class LostSettings : public testing::TestWithParam<const char*> {};
+
+TEST_P(LostSettings, NeverReplaceACacheThatHeldSongs) {
+    GameFolder folder;
+    addGameMusic(folder);
+    folder.add("HarpTone/Mp3 Songs/Live/w.mp3");
+    {
+        StartedPlayer first(folder);
+        first.st.playlists[0].songs[0].playCount = 99;
+        stop(first.st, folder);
+    }
+    fs::remove(folder.data + "/MusicSettings.json");
+    if (std::string(GetParam()) != "missing")
+        folder.root.write("game/data/MusicSettings.json", GetParam());
+    folder.add("HarpTone/MIDI Songs/Marches/added later.mid");
+
+    testing::internal::CaptureStderr();
+    StartedPlayer second(folder);
+    std::string log = testing::internal::GetCapturedStderr();
+    const PlayerState& st = second.st;
+    EXPECT_NE(log.find("keeping the library cache"), std::string::npos) << log;
+    ASSERT_EQ(st.playlists.size(), 3u);
+    EXPECT_EQ(st.playlists[0].songs.size(), 2u);
+    EXPECT_GE(st.playlists[0].songs[0].playCount, 99);
+    std::vector<std::string> roots = {folder.game + "/HarpTone/MIDI Songs",
+                                      folder.game + "/HarpTone/Mp3 Songs",
+                                      folder.game + "/HarpTone/Tracker Songs"};
+    EXPECT_EQ(st.directoryPaths, roots);
+    EXPECT_TRUE(st.hasMusicFolders);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, LostSettings,
+                         testing::Values("missing", "{\"directoryPaths\": [", "[1, 2]",
+                                         "{\"directoryPaths\": \"/music\"}",
+                                         "{\"volumeLevel\": 0.2}"));
+
+TEST(Restart, TheDefaultScanBeforeTheSettingsAreReadDoesNotOverwriteThem) {
+    GameFolder folder;
+    folder.add("data/Music/Road_trip/a.mid");
+    folder.root.write("game/data/MusicSettings.json",
+                      R"({"directoryPaths": [], "volumeLevel": 0.25, "rawFav": 7})");
+    StartedPlayer player(folder);
+    EXPECT_FLOAT_EQ(player.st.volume, 0.25f);
+    auto stored = nlohmann::json::parse(folder.read("data/MusicSettings.json"));
+    EXPECT_FLOAT_EQ(stored["volumeLevel"].get<float>(), 0.25f);
+    EXPECT_TRUE(fs::exists(folder.data + "/musicLibraryCache.json"));
+}
+
+TEST(Rescan, KeepsFavouritesOfMovedFilesByNameAndStartsPlayCountsAfresh) {
+    GameFolder folder;
+    addGameMusic(folder);
+    StartedPlayer player(folder);
+    PlayerState& st = player.st;
+    st.rawFav = 30;
+    st.playlists[0].songs[1].playCount = 5;
+    countFavoriteUp(st.playlists[0].songs[1]); // y.mid, marked after the start's export
+    countFavoriteUp(st.playlists[0].songs[1]);
+    st.playlists[0].iRadioMode = 1;
+    // The user moves y.mid to another album, under another case.
+    fs::remove(folder.game + "/HarpTone/MIDI Songs/Marches/y.mid");
+    folder.add("HarpTone/MIDI Songs/Waltzes/Y.MID");
+
+    rescanLibrary(st);
+    ASSERT_EQ(st.playlists.size(), 3u);
+    const Playlist* waltzes = nullptr;
+    for (const Playlist& playlist : st.playlists)
+        if (playlist.albumName == "Waltzes")
+            waltzes = &playlist;
+    ASSERT_NE(waltzes, nullptr);
+    EXPECT_EQ(waltzes->songs[0].isFavorite, 1);
+    EXPECT_EQ(waltzes->songs[0].favoriteCount, 2);
+    for (const Playlist& playlist : st.playlists) {
+        EXPECT_EQ(playlist.iRadioMode, 0);
+        for (const Song& song : playlist.songs)
+            EXPECT_LE(song.playCount, 1) << song.songPath; // the new start may have drawn it
+    }
+    EXPECT_EQ(st.rawFav, 30);
+    EXPECT_EQ(st.rawMIDI, 50);
+    EXPECT_EQ(st.favoriteSongCount, 1);
+    EXPECT_TRUE(st.buttonsDirty);
+    EXPECT_NE(folder.read("data/musicLibraryCache.json").find("Waltzes/Y.MID"), std::string::npos);
+}
+
+TEST(Rescan, DeletePathKeepsTheFavouritesOfTheFoldersThatStay) {
+    GameFolder folder;
+    addGameMusic(folder);
+    folder.add("HarpTone/Tracker Songs/Chip/x.mid"); // the same name in the other root
+    StartedPlayer player(folder);
+    PlayerState& st = player.st;
+    ASSERT_EQ(st.playlists.size(), 2u);
+    countFavoriteUp(st.playlists[0].songs[0]); // Marches/x.mid, in the folder that goes
+    countFavoriteUp(st.playlists[1].songs[1]); // Chip/z.xm
+    deleteLibraryPath(st, 0);
+    EXPECT_TRUE(st.libraryEditInProgress);
+    ASSERT_EQ(st.directoryPaths.size(), 2u);
+    ASSERT_EQ(st.playlists.size(), 1u);
+    ASSERT_EQ(st.playlists[0].songs.size(), 2u);
+    EXPECT_EQ(st.playlists[0].songs[0].isFavorite, 1); // Chip/x.mid, by its name
+    EXPECT_EQ(st.playlists[0].songs[1].isFavorite, 1);
+    stop(st, folder);
+    EXPECT_NE(folder.read("data/favorite.json").find("Chip/z.xm"), std::string::npos);
+}
+
+} // namespace

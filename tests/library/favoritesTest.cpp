@@ -1,0 +1,249 @@
+#include "library/favorites.h"
+
+#include "core/playerState.h"
+#include "library/scan.h"
+#include "support/tempDir.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+namespace {
+
+Song song(const std::string& path, MusicType type = musicTypeMp3) {
+    return Song{path, 0, 0, 0, type};
+}
+
+FavoriteEntry row(const std::string& path, int count) {
+    return FavoriteEntry{3, 0, 0, count, path};
+}
+
+TEST(FavoritesFile, IsWrittenFromTheLibrarysFlagsInItsExactFormAndReadBack) {
+    TempDir dir;
+    std::string path = (dir.path() / "favorite.json").string();
+    PlayerState st;
+    saveFavoritesFile(st, path);
+    EXPECT_EQ(TempDir::read(path), "null");
+
+    st.playlists = {Playlist{"A", {song("/m/A/x.mid", musicTypeMidi), song("/m/A/y.xm", 2)}, 2},
+                    Playlist{"B", {song("/m/B/z.mp3")}, 1}};
+    st.playlists[0].songs[1].isFavorite = 1;
+    st.playlists[0].songs[1].favoriteCount = 4;
+    st.playlists[1].songs[0].isFavorite = 1;
+    st.playlists[1].songs[0].favoriteCount = 1;
+    st.favorites = {row("/stale/old.mp3", 9)}; // the library is the truth
+    rebuildFavorites(st);
+    saveFavoritesFile(st, path);
+    EXPECT_EQ(TempDir::read(path), R"({
+    "favorites": [
+        {
+            "favoriteCount": 4,
+            "plistIndex": 0,
+            "songIndex": 1,
+            "songPath": "/m/A/y.xm",
+            "songType": 4
+        },
+        {
+            "favoriteCount": 1,
+            "plistIndex": 1,
+            "songIndex": 0,
+            "songPath": "/m/B/z.mp3",
+            "songType": 3
+        }
+    ]
+})");
+    PlayerState back;
+    mergeFavoritesFile(back, path);
+    ASSERT_EQ(back.favorites.size(), 2u);
+    EXPECT_EQ(back.favorites[0].songPath, "/m/A/y.xm");
+    EXPECT_EQ(back.favorites[1].favoriteCount, 1);
+    EXPECT_EQ(back.favorites[1].songType, 3);
+}
+
+TEST(FavoritesFile, AMergeKeepsTheOlderRowOfAPathThatDiffersOnlyInCase) {
+    TempDir dir;
+    std::string path = dir.write("favorite.json", R"({"favorites": [
+        {"favoriteCount": 7, "plistIndex": 0, "songIndex": 0, "songPath": "/M/ROCK/A.MP3",
+         "songType": 3},
+        {"favoriteCount": 2, "plistIndex": 0, "songIndex": 1, "songPath": "/m/rock/b.mp3",
+         "songType": 3}]})")
+                           .string();
+    PlayerState st;
+    st.favorites = {row("/m/Rock/a.mp3", 1)};
+    mergeFavoritesFile(st, path);
+    ASSERT_EQ(st.favorites.size(), 2u);
+    EXPECT_EQ(st.favorites[0].favoriteCount, 1);
+    EXPECT_EQ(st.favorites[1].songPath, "/m/rock/b.mp3");
+
+    CaptureStderr();
+    mergeFavoritesFile(st, (dir.path() / "missing.json").string());
+    EXPECT_EQ(GetCapturedStderr(),
+              "Failed to open " + (dir.path() / "missing.json").string() + " for reading.\n");
+}
+
+TEST(FavoritesFile, TheScanMergesOnlyFilesNamedExactlyFavoriteJson) {
+    TempDir dir;
+    const std::string rows =
+        R"({"favorites": [{"favoriteCount": 1, "plistIndex": 0, "songIndex": 0, "songPath": ")";
+    auto file = [&](const std::string& where, const std::string& name) {
+        dir.write(where, rows + name + R"(", "songType": 3}]})");
+    };
+    file("root/favorite.json", "in-root.mp3");
+    file("root/Album/deep/favorite.json", "deep.mp3");
+    file("root/Album/FAVORITE.JSON", "capitals.mp3");
+    file("root/Album/favorite.JSON", "capital-extension.mp3");
+    dir.write("root/Album/song.mp3");
+    PlayerState st;
+    scanRoot(st, (dir.path() / "root").string());
+    ASSERT_EQ(st.favorites.size(), 2u);
+    EXPECT_EQ(st.favorites[0].songPath, "in-root.mp3");
+    EXPECT_EQ(st.favorites[1].songPath, "deep.mp3");
+}
+
+TEST(ApplyFavorites, MatchesByFileNameInAnyCaseOncePerPlaylistInEveryPlaylist) {
+    PlayerState st;
+    st.playlists = {Playlist{"A", {song("/m/A/Song.mp3"), song("/m/A/cd2/song.MP3")}, 2},
+                    Playlist{"B", {song("/elsewhere/B/SONG.mp3")}, 1},
+                    Playlist{"C", {song("/m/C/other.mp3")}, 1}};
+    st.playlists[2].songs[0].isFavorite = 1; // a song no row names keeps its flags
+    st.playlists[2].songs[0].favoriteCount = 5;
+    CaptureStdout();
+    applyFavorites(st, {row("C:\\Music\\Old\\song.mp3", 2), row("/m/A/song.mp3", 3),
+                        row("/gone/nowhere.mp3", 1)});
+    EXPECT_EQ(GetCapturedStdout(), "Could not find song: nowhere.mp3\n");
+    EXPECT_EQ(st.playlists[0].songs[0].isFavorite, 1);
+    EXPECT_EQ(st.playlists[0].songs[0].favoriteCount, 3); // the later row wins
+    EXPECT_EQ(st.playlists[0].songs[1].isFavorite, 0);    // only the first of a playlist
+    EXPECT_EQ(st.playlists[1].songs[0].favoriteCount, 3);
+    EXPECT_EQ(st.playlists[2].songs[0].favoriteCount, 5);
+}
+
+TEST(OlderFavorites, ReadsWindowsLineEndsDropsRowsWithoutAPathAndKeepsLongPathsWhole) {
+    TempDir dir;
+    PlayerState st;
+    st.dataDirectory = dir.str();
+    st.favorites = {row("/before.mp3", 1)};
+    CaptureStderr();
+    loadOlderFavorites(st);
+    EXPECT_EQ(GetCapturedStderr(), "Failed to open favoriteMusic.cif for reading.\n");
+    EXPECT_EQ(st.favorites.size(), 1u);
+
+    const std::string longPath = "/music/" + std::string(300, 'l') + ".mp3";
+    dir.write("favoriteMusic.cif", "3\r\n7\r\n2\r\n5\r\nC:\\Music\\a.mp3\r\n"
+                                   "\r\n\r\n\r\n\r\n\r\n" // no path: dropped
+                                   "1\r\n\r\n\r\n2\r\n" + // empty numbers are 0
+                                       longPath +
+                                       "\r\n" + //
+                                       "x\r\n1\r\n1\r\n1\r\n/bad-number.mp3\r\n");
+    CaptureStdout();
+    CaptureStderr();
+    loadOlderFavorites(st);
+    EXPECT_EQ(GetCapturedStdout(), "Favorites loaded from favoriteMusic.cif.\n");
+    EXPECT_EQ(GetCapturedStderr(),
+              "favoriteMusic.cif: 1 rows could not be read and were left out.\n");
+    ASSERT_EQ(st.favorites.size(), 2u);
+    EXPECT_EQ(st.favorites[0].songType, 3);
+    EXPECT_EQ(st.favorites[0].songIndex, 7);
+    EXPECT_EQ(st.favorites[0].plistIndex, 2);
+    EXPECT_EQ(st.favorites[0].favoriteCount, 5);
+    EXPECT_EQ(st.favorites[0].songPath, "C:\\Music\\a.mp3");
+    EXPECT_EQ(st.favorites[1].songIndex, 0);
+    EXPECT_EQ(st.favorites[1].songPath, longPath);
+
+    dir.write("favoriteMusic.cif", "");
+    CaptureStdout();
+    loadOlderFavorites(st);
+    EXPECT_EQ(GetCapturedStdout(), "Favorites loaded from favoriteMusic.cif.\n");
+    EXPECT_TRUE(st.favorites.empty());
+}
+
+TEST(FavoriteCounts, SongsStopAtZeroWhilePlaylistsAndStationsGoBelow) {
+    Song s;
+    countFavoriteDown(s);
+    EXPECT_EQ(s.favoriteCount, 0);
+    EXPECT_EQ(s.isFavorite, 0);
+    countFavoriteUp(s);
+    EXPECT_EQ(s.favoriteCount, 1);
+    EXPECT_EQ(s.isFavorite, 1);
+    countFavoriteDown(s);
+    EXPECT_EQ(s.favoriteCount, 0);
+    EXPECT_EQ(s.isFavorite, 0);
+
+    Playlist p;
+    countFavoriteUp(p);
+    countFavoriteDown(p);
+    countFavoriteDown(p);
+    EXPECT_EQ(p.favoriteCount, -1);
+    EXPECT_EQ(p.isFavorite, 0);
+    RadioStation r;
+    countFavoriteDown(r);
+    countFavoriteUp(r);
+    EXPECT_EQ(r.favoriteCount, 0);
+    EXPECT_EQ(r.favorite, 1); // set by the press up, as the counts go
+}
+
+TEST(FavoriteCounts, ClearAllLeavesNoFavouriteAnywhere) {
+    PlayerState st;
+    st.radioStations = {RadioStation{"S", "http://127.0.0.1/", 1, 3}};
+    st.playlists = {Playlist{"A", {Song{"/m/a.mp3", 1, 4, 2, 1}}, 1, 1, 5, 1}};
+    st.favorites = {row("/m/a.mp3", 2)};
+    st.weightedSongTotal = 7;
+    st.favoriteSongCount = 1;
+    clearAllFavorites(st);
+    EXPECT_EQ(st.radioStations[0].favorite + st.radioStations[0].favoriteCount, 0);
+    EXPECT_EQ(st.playlists[0].isFavorite + st.playlists[0].favoriteCount, 0);
+    EXPECT_EQ(st.playlists[0].songs[0].isFavorite + st.playlists[0].songs[0].favoriteCount, 0);
+    EXPECT_EQ(st.playlists[0].songs[0].playCount, 4);
+    EXPECT_EQ(st.playlists[0].iRadioMode, 1);
+    EXPECT_EQ(st.weightedSongTotal + st.favoriteSongCount, 0);
+    EXPECT_TRUE(st.favorites.empty());
+}
+
+struct Damage {
+    const char* name;
+    std::string text;
+    std::size_t rows;
+};
+
+class DamagedFavorites : public testing::TestWithParam<Damage> {};
+
+TEST_P(DamagedFavorites, KeepWhatCanBeReadWithOneLineAndACopyAside) {
+    TempDir dir;
+    std::string path = dir.write("favorite.json", GetParam().text).string();
+    PlayerState st;
+    CaptureStderr();
+    mergeFavoritesFile(st, path);
+    std::string log = GetCapturedStderr();
+    EXPECT_EQ(st.favorites.size(), GetParam().rows);
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
+    EXPECT_EQ(TempDir::copiesAside(dir.path()), 1);
+}
+
+const std::string goodRow =
+    R"({"favoriteCount":1,"plistIndex":0,"songIndex":0,"songPath":"/m/a.mp3","songType":3})";
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, DamagedFavorites,
+    testing::Values(Damage{"notJson", "{\"favorites\": [", 0}, Damage{"empty", "", 0},
+                    Damage{"randomBytes", std::string("\xff\xfe\x01garbage", 10), 0},
+                    Damage{"rootArray", "[" + goodRow + "]", 0},
+                    Damage{"favoritesNotAList", R"({"favorites": {}})", 0},
+                    Damage{"keyMissing",
+                           R"({"favorites": [{"songPath":"/m/b.mp3"}, )" + goodRow + "]}", 1},
+                    Damage{"keyOfWrongType",
+                           R"({"favorites": [{"favoriteCount":1,"plistIndex":0,"songIndex":0,)"
+                           R"("songPath":["/m/b.mp3"],"songType":3}, )" +
+                               goodRow + "]}",
+                           1},
+                    Damage{"hugeNumber",
+                           R"({"favorites": [{"favoriteCount":1e40,"plistIndex":0,"songIndex":0,)"
+                           R"("songPath":"/m/b.mp3","songType":3}, )" +
+                               goodRow + "]}",
+                           1}),
+    [](const testing::TestParamInfo<Damage>& info) { return info.param.name; });
+
+} // namespace
