@@ -18,64 +18,287 @@ struct Damage {
     std::size_t keys = 0;
 };
 
-bool readSong(const Json& element, Song& song) {
-    if (!element.is_object())
-        return false;
-    auto path = element.find("songPath");
-    if (path == element.end() || !path->is_string())
-        return false;
-    const struct {
-        const char* name;
-        int* field;
-    } numbers[] = {{"favoriteCount", &song.favoriteCount},
-                   {"isFavorite", &song.isFavorite},
-                   {"musicType", &song.musicType},
-                   {"playCount", &song.playCount}};
-    for (const auto& number : numbers) {
-        auto it = element.find(number.name);
-        if (it == element.end() || !readJsonInt(*it, *number.field))
-            return false;
-    }
-    song.songPath = path->get<std::string>();
-    return true;
-}
+// Reads the cache as the parser walks it, into the playlists themselves: a library of 100,000
+// songs would otherwise first become a document several times its own size. A playlist or song
+// is kept at the end of its object, whole, or counted as damage.
+class CacheReader : public nlohmann::json_sax<Json> {
+  public:
+    std::vector<Playlist> playlists;
+    Damage damage;
+    std::string rootProblem;
 
-// An optional key of a playlist: absent is 0 (files of older builds), wrong is 0 and noted.
-void readOptional(const Json& element, const char* name, int& field, Damage& damage) {
-    auto it = element.find(name);
-    if (it != element.end() && !readJsonInt(*it, field)) {
-        field = 0;
-        ++damage.keys;
+    bool null() override { return scalar(Json()); }
+    bool boolean(bool value) override { return scalar(Json(value)); }
+    bool number_integer(number_integer_t value) override { return scalar(Json(value)); }
+    bool number_unsigned(number_unsigned_t value) override { return scalar(Json(value)); }
+    bool number_float(number_float_t value, const string_t&) override {
+        return scalar(Json(value));
     }
-}
+    bool binary(binary_t&) override { return scalar(Json()); }
 
-bool readPlaylist(const Json& element, Playlist& playlist, Damage& damage) {
-    if (!element.is_object())
-        return false;
-    auto album = element.find("albumName");
-    if (album == element.end() || !album->is_string())
-        return false;
-    playlist.albumName = album->get<std::string>();
-    readOptional(element, "iRadioMode", playlist.iRadioMode, damage);
-    readOptional(element, "favoriteCount", playlist.favoriteCount, damage);
-    readOptional(element, "isFavorite", playlist.isFavorite, damage);
-    // The writer leaves the key out when every song of the playlist was left out.
-    auto songs = element.find("songs");
-    if (songs != element.end()) {
-        if (!songs->is_array())
-            return false;
-        playlist.songs.reserve(songs->size());
-        for (const Json& item : *songs) {
-            Song song;
-            if (readSong(item, song))
-                playlist.songs.push_back(std::move(song));
-            else
-                ++damage.songs;
+    bool string(string_t& value) override {
+        if (skipping_ > 0)
+            return true;
+        switch (at_) {
+        case At::AlbumValue:
+            playlist_.albumName = value;
+            hasAlbum_ = true;
+            at_ = At::PlaylistObject;
+            return true;
+        case At::SongValue:
+            if (songKey_ == pathKey) {
+                song_.songPath = value;
+                songKeys_ |= 1u << pathKey;
+            } else {
+                songKeys_ &= ~(1u << songKey_);
+            }
+            at_ = At::SongObject;
+            return true;
+        default:
+            return scalar(Json());
         }
     }
-    playlist.songCount = static_cast<int>(playlist.songs.size());
-    return true;
-}
+
+    bool start_object(std::size_t) override {
+        if (skipping_ > 0 || skipNext_) {
+            startSkipping();
+            return true;
+        }
+        switch (at_) {
+        case At::Root:
+            at_ = At::RootObject;
+            return true;
+        case At::PlaylistsArray:
+            playlist_ = Playlist{};
+            hasAlbum_ = false;
+            songsBroken_ = false;
+            at_ = At::PlaylistObject;
+            return true;
+        case At::SongsArray:
+            song_ = Song{};
+            songKeys_ = 0;
+            at_ = At::SongObject;
+            return true;
+        default:
+            wrongValue();
+            startSkipping();
+            return true;
+        }
+    }
+
+    bool key(string_t& name) override {
+        if (skipping_ > 0)
+            return true;
+        switch (at_) {
+        case At::RootObject:
+            if (name == "playlists")
+                at_ = At::PlaylistsValue;
+            else
+                skipNext_ = true;
+            return true;
+        case At::PlaylistObject:
+            if (name == "albumName") {
+                at_ = At::AlbumValue;
+            } else if (name == "songs") {
+                at_ = At::SongsValue;
+            } else {
+                playlistKey_ = name == "iRadioMode"      ? &playlist_.iRadioMode
+                               : name == "favoriteCount" ? &playlist_.favoriteCount
+                               : name == "isFavorite"    ? &playlist_.isFavorite
+                                                         : nullptr;
+                if (playlistKey_)
+                    at_ = At::PlaylistValue;
+                else
+                    skipNext_ = true;
+            }
+            return true;
+        case At::SongObject:
+            songKey_ = songKeyIndex(name);
+            if (songKey_ >= 0)
+                at_ = At::SongValue;
+            else
+                skipNext_ = true;
+            return true;
+        default:
+            return true;
+        }
+    }
+
+    bool end_object() override {
+        if (skipping_ > 0) {
+            --skipping_;
+            return true;
+        }
+        switch (at_) {
+        case At::RootObject:
+            at_ = At::Done;
+            break;
+        case At::PlaylistObject:
+            if (hasAlbum_ && !songsBroken_) {
+                playlist_.songCount = static_cast<int>(playlist_.songs.size());
+                playlists.push_back(std::move(playlist_));
+            } else {
+                ++damage.playlists;
+            }
+            at_ = At::PlaylistsArray;
+            break;
+        case At::SongObject:
+            if (songKeys_ == allSongKeys)
+                playlist_.songs.push_back(std::move(song_));
+            else
+                ++damage.songs;
+            at_ = At::SongsArray;
+            break;
+        default:
+            break;
+        }
+        return true;
+    }
+
+    bool start_array(std::size_t) override {
+        if (skipping_ > 0 || skipNext_) {
+            startSkipping();
+            return true;
+        }
+        switch (at_) {
+        case At::PlaylistsValue:
+            at_ = At::PlaylistsArray;
+            return true;
+        case At::SongsValue:
+            at_ = At::SongsArray;
+            return true;
+        default:
+            wrongValue();
+            startSkipping();
+            return true;
+        }
+    }
+
+    bool end_array() override {
+        if (skipping_ > 0) {
+            --skipping_;
+            return true;
+        }
+        if (at_ == At::PlaylistsArray)
+            at_ = At::RootObject;
+        else if (at_ == At::SongsArray)
+            at_ = At::PlaylistObject;
+        return true;
+    }
+
+    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override {
+        return false;
+    }
+
+  private:
+    enum class At {
+        Root,
+        RootObject,
+        PlaylistsValue,
+        PlaylistsArray,
+        PlaylistObject,
+        AlbumValue,
+        PlaylistValue,
+        SongsValue,
+        SongsArray,
+        SongObject,
+        SongValue,
+        Done
+    };
+    static constexpr int pathKey = 4;
+    static constexpr unsigned allSongKeys = 0x1f;
+
+    static int songKeyIndex(const string_t& name) {
+        static const char* const names[] = {"favoriteCount", "isFavorite", "musicType", "playCount",
+                                            "songPath"};
+        for (int i = 0; i < 5; ++i)
+            if (name == names[i])
+                return i;
+        return -1;
+    }
+
+    int* songField(int key) {
+        int* fields[] = {&song_.favoriteCount, &song_.isFavorite, &song_.musicType,
+                         &song_.playCount};
+        return fields[key];
+    }
+
+    void startSkipping() {
+        skipNext_ = false;
+        ++skipping_;
+    }
+
+    // A value that is not what its place asks for (a string, a number and null alike).
+    void wrongValue() {
+        switch (at_) {
+        case At::Root:
+            rootProblem = "the library is not a JSON object";
+            at_ = At::Done;
+            break;
+        case At::PlaylistsValue:
+            rootProblem = "its playlists are not a list";
+            at_ = At::RootObject;
+            break;
+        case At::PlaylistsArray:
+            ++damage.playlists;
+            break;
+        case At::AlbumValue:
+            hasAlbum_ = false;
+            at_ = At::PlaylistObject;
+            break;
+        case At::PlaylistValue:
+            *playlistKey_ = 0;
+            ++damage.keys;
+            at_ = At::PlaylistObject;
+            break;
+        case At::SongsValue:
+            songsBroken_ = true;
+            at_ = At::PlaylistObject;
+            break;
+        case At::SongsArray:
+            ++damage.songs;
+            break;
+        case At::SongValue:
+            songKeys_ &= ~(1u << songKey_);
+            at_ = At::SongObject;
+            break;
+        default:
+            break;
+        }
+    }
+
+    bool scalar(const Json& value) {
+        if (skipping_ > 0)
+            return true;
+        if (skipNext_) {
+            skipNext_ = false;
+            return true;
+        }
+        if (at_ == At::Root && value.is_null()) {
+            at_ = At::Done; // the word null: an empty library
+        } else if (at_ == At::PlaylistValue && readJsonInt(value, *playlistKey_)) {
+            at_ = At::PlaylistObject;
+        } else if (at_ == At::SongValue && songKey_ != pathKey &&
+                   readJsonInt(value, *songField(songKey_))) {
+            songKeys_ |= 1u << songKey_;
+            at_ = At::SongObject;
+        } else {
+            wrongValue();
+        }
+        return true;
+    }
+
+    At at_ = At::Root;
+    int skipping_ = 0;
+    bool skipNext_ = false;
+    Playlist playlist_;
+    bool hasAlbum_ = false;
+    bool songsBroken_ = false;
+    int* playlistKey_ = nullptr;
+    Song song_;
+    unsigned songKeys_ = 0;
+    int songKey_ = -1;
+};
 
 std::string describe(const Damage& damage) {
     std::string text;
@@ -94,43 +317,56 @@ std::string describe(const Damage& damage) {
 } // namespace
 
 std::vector<Playlist> loadLibraryCache(PlayerState& st) {
-    std::vector<Playlist> result;
-    std::optional<Json> root = readJsonFile(st.libraryCachePath);
-    if (!root || root->is_null())
-        return result;
-    if (!root->is_object()) {
-        setAsideDamaged(st.libraryCachePath, "the library is not a JSON object");
-        return result;
+    CacheReader reader;
+    JsonRead read = readJsonEvents(st.libraryCachePath, reader);
+    if (read == JsonRead::Missing)
+        return {};
+    // Text that is not JSON has been reported; what was whole before the fault is kept.
+    std::string why = read == JsonRead::Read ? reader.rootProblem : std::string();
+    if (read == JsonRead::Read) {
+        std::string rows = describe(reader.damage);
+        why += why.empty() || rows.empty() ? rows : ", " + rows;
     }
-    auto playlists = root->find("playlists");
-    if (playlists == root->end())
-        return result;
-    if (!playlists->is_array()) {
-        setAsideDamaged(st.libraryCachePath, "its playlists are not a list");
-        return result;
-    }
-    Damage damage;
-    result.reserve(playlists->size());
-    for (const Json& element : *playlists) {
-        Playlist playlist;
-        if (readPlaylist(element, playlist, damage))
-            result.push_back(std::move(playlist));
-        else
-            ++damage.playlists;
-    }
-    std::string why = describe(damage);
     if (!why.empty())
         setAsideDamaged(st.libraryCachePath, why);
-    return result;
+    return std::move(reader.playlists);
 }
 
+namespace {
+
+// One "KEY": VALUE line of an object at the given indent, in the layout of every other file.
+void appendKey(std::string& out, int indent, const char* key) {
+    out.append(static_cast<std::size_t>(indent), ' ');
+    out += '"';
+    out += key;
+    out += "\": ";
+}
+
+void appendNumber(std::string& out, int indent, const char* key, int value, bool last = false) {
+    appendKey(out, indent, key);
+    out += std::to_string(value);
+    out += last ? "\n" : ",\n";
+}
+
+} // namespace
+
+// The text is made here rather than through a document: a library of 100,000 songs would first
+// become a document of several times its size. Keys stand in the sorted order of the documents.
 void saveLibraryCache(PlayerState& st) {
-    Json root; // null for an empty library
+    std::string text;
+    std::size_t estimate = 0;
+    for (const Playlist& playlist : st.playlists)
+        estimate += 200 + playlist.songs.size() * 220;
+    text.reserve(estimate);
     for (const Playlist& playlist : st.playlists) {
-        Json entry = {{"albumName", playlist.albumName},
-                      {"iRadioMode", playlist.iRadioMode},
-                      {"favoriteCount", playlist.favoriteCount},
-                      {"isFavorite", playlist.isFavorite}};
+        text += text.empty() ? "{\n    \"playlists\": [\n" : ",\n";
+        text += "        {\n";
+        appendKey(text, 12, "albumName");
+        appendJsonString(text, playlist.albumName);
+        text += ",\n";
+        appendNumber(text, 12, "favoriteCount", playlist.favoriteCount);
+        appendNumber(text, 12, "iRadioMode", playlist.iRadioMode);
+        bool anySong = false;
         for (const Song& song : playlist.songs) {
             // A path that is not UTF-8 cannot stand in JSON without changing its bytes, and a
             // changed path would name another file: the song waits for the next scan.
@@ -139,15 +375,30 @@ void saveLibraryCache(PlayerState& st) {
                        song.songPath.c_str());
                 continue;
             }
-            entry["songs"].push_back({{"favoriteCount", song.favoriteCount},
-                                      {"isFavorite", song.isFavorite},
-                                      {"musicType", song.musicType},
-                                      {"playCount", song.playCount},
-                                      {"songPath", song.songPath}});
+            if (!anySong) {
+                appendNumber(text, 12, "isFavorite", playlist.isFavorite);
+                text += "            \"songs\": [\n";
+            } else {
+                text += ",\n";
+            }
+            anySong = true;
+            text += "                {\n";
+            appendNumber(text, 20, "favoriteCount", song.favoriteCount);
+            appendNumber(text, 20, "isFavorite", song.isFavorite);
+            appendNumber(text, 20, "musicType", song.musicType);
+            appendNumber(text, 20, "playCount", song.playCount);
+            appendKey(text, 20, "songPath");
+            appendJsonString(text, song.songPath);
+            text += "\n                }";
         }
-        root["playlists"].push_back(std::move(entry));
+        if (anySong)
+            text += "\n            ]\n";
+        else
+            appendNumber(text, 12, "isFavorite", playlist.isFavorite, true);
+        text += "        }";
     }
-    if (!writeJsonFile(st.libraryCachePath, root))
+    text += text.empty() ? "null" : "\n    ]\n}";
+    if (!writeJsonText(st.libraryCachePath, text))
         logErr("Failed to open %s for writing.\n", st.libraryCachePath.c_str());
     // Until the start-up has read the stored settings, the working fields hold defaults.
     if (!st.settingsSaveHeld)

@@ -10,10 +10,8 @@
 #include <ctime>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <limits>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -55,20 +53,61 @@ bool writeAll(int fd, const std::string& text) {
     return true;
 }
 
+enum class FileRead { Missing, NotAFile, Read };
+
+// The whole file in one read. A folder or a device under the name is no file to parse: it would
+// give no text, or never end.
+FileRead readWholeFile(const std::string& path, std::string& text) {
+    int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
+        return FileRead::Missing;
+    struct stat info;
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(fd);
+        logErr("%s is not a file and is not read.\n", path.c_str());
+        return FileRead::NotAFile;
+    }
+    text.resize(static_cast<std::size_t>(info.st_size));
+    std::size_t done = 0;
+    for (;;) {
+        if (done == text.size())
+            text.resize(text.size() + 4096); // the file grew since fstat
+        ssize_t n = ::read(fd, text.data() + done, text.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;
+        done += static_cast<std::size_t>(n);
+    }
+    ::close(fd);
+    text.resize(done);
+    return FileRead::Read;
+}
+
 } // namespace
 
 std::optional<nlohmann::json> readJsonFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
+    std::string text;
+    if (readWholeFile(path, text) != FileRead::Read)
         return std::nullopt;
-    std::stringstream text;
-    text << in.rdbuf();
-    nlohmann::json document = nlohmann::json::parse(text.str(), nullptr, false);
+    nlohmann::json document = nlohmann::json::parse(text, nullptr, false);
     if (document.is_discarded()) {
         setAsideDamaged(path, "it is not JSON");
         return std::nullopt;
     }
     return document;
+}
+
+JsonRead readJsonEvents(const std::string& path, nlohmann::json_sax<nlohmann::json>& events) {
+    std::string text;
+    FileRead file = readWholeFile(path, text);
+    if (file != FileRead::Read)
+        return file == FileRead::Missing ? JsonRead::Missing : JsonRead::NotJson;
+    if (!nlohmann::json::sax_parse(text, &events)) {
+        setAsideDamaged(path, "it is not JSON");
+        return JsonRead::NotJson;
+    }
+    return JsonRead::Read;
 }
 
 void setAsideDamaged(const std::string& path, const std::string& why) {
@@ -84,8 +123,58 @@ void setAsideDamaged(const std::string& path, const std::string& why) {
 }
 
 bool writeJsonFile(const std::string& path, const nlohmann::json& document) {
+    return writeJsonText(path,
+                         document.dump(4, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+void appendJsonString(std::string& out, std::string_view text) {
+    if (!isValidUtf8(text)) {
+        out += nlohmann::json(std::string(text))
+                   .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+        return;
+    }
+    static const char hex[] = "0123456789abcdef";
+    out += '"';
+    std::size_t plain = 0; // start of the run of bytes that go out as they are
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        auto c = static_cast<unsigned char>(text[i]);
+        if (c >= 0x20 && c != '"' && c != '\\')
+            continue;
+        out.append(text, plain, i - plain);
+        plain = i + 1;
+        out += '\\';
+        switch (c) {
+        case '"':
+        case '\\':
+            out += static_cast<char>(c);
+            break;
+        case '\b':
+            out += 'b';
+            break;
+        case '\f':
+            out += 'f';
+            break;
+        case '\n':
+            out += 'n';
+            break;
+        case '\r':
+            out += 'r';
+            break;
+        case '\t':
+            out += 't';
+            break;
+        default:
+            out += "u00";
+            out += hex[c >> 4];
+            out += hex[c & 0xf];
+        }
+    }
+    out.append(text, plain);
+    out += '"';
+}
+
+bool writeJsonText(const std::string& path, const std::string& text) {
     std::string target = resolvedTarget(path);
-    std::string text = document.dump(4, ' ', false, nlohmann::json::error_handler_t::replace);
     std::string temporary = target + ".tmp-XXXXXX";
     int fd = ::mkstemp(temporary.data());
     if (fd < 0)

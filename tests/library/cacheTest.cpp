@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
@@ -109,6 +110,35 @@ TEST(LibraryCache, KeepsPathsInAnyScriptAndLeavesOutOnlyThoseThatAreNotUtf8) {
     EXPECT_EQ(back[2].songs.size(), 1u);
 }
 
+// The cache writes its text itself; it must be what the JSON library writes for the same data.
+TEST(LibraryCache, WritesWhatTheJsonLibraryWritesForTheSameLibrary) {
+    CacheFolder folder;
+    const std::string tricky = std::string("/m/Odd/\"q\" \\ tab\t nl\n \x01\x1f\x7f é ☃.mp3");
+    folder.st.playlists = {
+        Playlist{"Odd \"one\"\x02", {Song{tricky, 1, -3, 2147483647, 1}}, 1, -1, -2, 1},
+        Playlist{"Gone \xc3", {Song{"/m/bad\xe9.mp3", 0, 0, 0, 0}}, 1}, Playlist{"Empty", {}, 0},
+        Playlist{"Two", {Song{"/m/a.mid", 0, 1, 0, 0}, Song{"/m/b.xm", 0, 2, 0, 2}}, 2}};
+    CaptureStderr();
+    saveLibraryCache(folder.st);
+    GetCapturedStderr();
+    nlohmann::json root;
+    for (const Playlist& playlist : folder.st.playlists) {
+        nlohmann::json entry = {{"albumName", playlist.albumName},
+                                {"iRadioMode", playlist.iRadioMode},
+                                {"favoriteCount", playlist.favoriteCount},
+                                {"isFavorite", playlist.isFavorite}};
+        for (const Song& song : playlist.songs)
+            if (song.songPath.find('\xe9') == std::string::npos)
+                entry["songs"].push_back({{"favoriteCount", song.favoriteCount},
+                                          {"isFavorite", song.isFavorite},
+                                          {"musicType", song.musicType},
+                                          {"playCount", song.playCount},
+                                          {"songPath", song.songPath}});
+        root["playlists"].push_back(entry);
+    }
+    EXPECT_EQ(folder.text(), root.dump(4, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
 TEST(LibraryCache, ReadsOlderFilesBooleansAndAnyNumberAndTrustsTheStoredFamily) {
     CacheFolder folder;
     folder.write(R"({"playlists": [{"albumName": "Old", "songs": [
@@ -171,6 +201,9 @@ INSTANTIATE_TEST_SUITE_P(
     Files, DamagedCache,
     testing::Values(
         Damage{"notJson", "{\"playlists\": [", 0, 0}, Damage{"empty", "", 0, 0},
+        Damage{"cutShort", R"({"playlists": [)" + goodPlaylist + R"(, {"albumName": "B", "so)", 1,
+               1},
+        Damage{"nullPlaylist", R"({"playlists": [null, )" + goodPlaylist + "]}", 1, 1},
         Damage{"randomBytes", std::string("\x93\x01\xff\x7f garbage\0", 14), 0, 0},
         Damage{"rootArray", "[" + goodPlaylist + "]", 0, 0},
         Damage{"playlistsNotAList", R"({"playlists": "A"})", 0, 0},
