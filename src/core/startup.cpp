@@ -49,7 +49,11 @@ void countScannedLibrary(PlayerState& st) {
 
 // A first start, or a user without root folders: the game's three music folders, and the
 // default folder when they hold nothing.
-void buildFirstLibrary(PlayerState& st) {
+void buildFirstLibrary(PlayerState& st, bool cacheHadSongs) {
+    // A user without root folders comes this way at every start: their favourites ride over the
+    // rebuild by file name, as over a "Scan".
+    if (cacheHadSongs)
+        rebuildFavorites(st);
     for (const char* folder :
          {"/HarpTone/MIDI Songs", "/HarpTone/Mp3 Songs", "/HarpTone/Tracker Songs"})
         st.directoryPaths.push_back(joinPath(st.marbleTunnelPath, folder));
@@ -142,7 +146,7 @@ void runStartupSequence(PlayerState& st) {
     if (st.directoryPaths.empty() && cacheHadSongs && !st.storedRootsRead)
         keepCachedLibrary(st);
     else if (st.directoryPaths.empty())
-        buildFirstLibrary(st);
+        buildFirstLibrary(st, cacheHadSongs);
     else if (!cacheHadSongs)
         restoreLibraryFromRoots(st);
 

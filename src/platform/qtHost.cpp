@@ -172,6 +172,7 @@ int runPlayer(int argc, char** argv) {
     QtBackend backend(*st, window);
     onMainWindowCreated(*st);
     closeWindowOnQuitSignals(&window);
+    closeWindowOnSessionEnd(&window);
     QIcon icon = makeAppIcon();
     if (icon.isNull())
         platform::messageBox("Could not load icon!", "Error", platform::Icon::Error, true);
@@ -180,7 +181,6 @@ int runPlayer(int argc, char** argv) {
     onResize(*st, gridWidth, gridHeight);
     if (!window.winId())
         return -1;
-    closeWindowOnQuitSignals(&window);
 
     runEarlyStartup(*st);
     runStartupSequence(*st);

@@ -2,6 +2,8 @@
 
 #include "core/log.h"
 
+#include <QGuiApplication>
+#include <QSessionManager>
 #include <QSocketNotifier>
 #include <QWidget>
 #include <csignal>
@@ -38,4 +40,15 @@ void closeWindowOnQuitSignals(QWidget* window) {
     action.sa_flags = SA_RESTART;
     for (int signalNumber : {SIGINT, SIGTERM, SIGHUP})
         sigaction(signalNumber, &action, nullptr);
+}
+
+void closeWindowOnSessionEnd(QWidget* window) {
+#ifndef QT_NO_SESSIONMANAGER
+    // The session manager asks every client to save before it ends the session; the player's
+    // saving is its shutdown, which the close box runs once.
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, window,
+                     [window](QSessionManager&) { window->close(); });
+#else
+    (void)window;
+#endif
 }

@@ -146,6 +146,22 @@ TEST(Restart, TheDefaultScanBeforeTheSettingsAreReadDoesNotOverwriteThem) {
     EXPECT_TRUE(fs::exists(folder.data + "/musicLibraryCache.json"));
 }
 
+TEST(Restart, AUserWithoutRootFoldersKeepsTheFavouritesOfTheDefaultFolder) {
+    GameFolder folder;
+    folder.add("data/Music/Road_trip/a.mid");
+    folder.add("data/Music/Road_trip/b.mid");
+    {
+        StartedPlayer first(folder);
+        ASSERT_TRUE(first.st.directoryPaths.empty());
+        countFavoriteUp(first.st.playlists[0].songs[1]);
+        stop(first.st, folder);
+    }
+    StartedPlayer second(folder);
+    ASSERT_EQ(second.st.playlists.size(), 1u);
+    EXPECT_EQ(second.st.playlists[0].songs[1].isFavorite, 1);
+    EXPECT_EQ(second.st.playlists[0].songs[1].favoriteCount, 1);
+}
+
 TEST(Rescan, KeepsFavouritesOfMovedFilesByNameAndStartsPlayCountsAfresh) {
     GameFolder folder;
     addGameMusic(folder);

@@ -6,12 +6,13 @@ player="$1"
 mode="$2"
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
-mkdir -p "$work/game/data/Music/Album" "$work/game/HarpTone/MIDI Songs" "$work/game/HarpTone/SoundFonts"
+album="$work/game/HarpTone/MIDI Songs/Album"
+mkdir -p "$work/game/data" "$album" "$work/game/HarpTone/SoundFonts"
 # A soundfont from Debian's package, so that no box waits for a click under a real display.
 ln -s /usr/share/sounds/sf2/TimGM6mb.sf2 "$work/game/HarpTone/SoundFonts/TimGM6mb.sf2"
 # The shortest Standard MIDI File: one track that only ends.
 printf 'MThd\000\000\000\006\000\000\000\001\000\140MTrk\000\000\000\004\000\377\057\000' \
-    >"$work/game/data/Music/Album/first_song.mid"
+    >"$album/first_song.mid"
 cd "$work/game/data"
 log="$work/out.log"
 
@@ -58,10 +59,47 @@ esac
 pid=$!
 waitFor "Fading in to volume" || { kill -9 $pid; fail "the first song did not fade in"; }
 grep -q "History row 0: " "$log" || fail "no history row was logged"
-grep -q "Drawn song: $work/game/data/Music/Album/first_song.mid" "$log" || fail "wrong first song"
+grep -q "Drawn song: $album/first_song.mid" "$log" || fail "wrong first song"
 kill -INT $pid
 wait $pid
 code=$?
 [ "$code" -eq 0 ] || fail "Ctrl+C ended the player with $code"
-grep -q '"songIndex": 0' "$work/game/data/Song History.json" || fail "the history was not saved"
+
+data="$work/game/data"
+plays=0
+rows=0
+# What every exit writes, whatever ended the run. The song is silent and short, so a run may play
+# it more than once; each run must add to what the one before saved.
+checkSaved() {
+    local now
+    now="$(grep -o '"playCount": [0-9]*' "$data/musicLibraryCache.json" | grep -o '[0-9]*$')"
+    [ "${now:-0}" -gt "$plays" ] || fail "$1: the play count $now did not grow from $plays"
+    plays=$now
+    now="$(grep -c '"songIndex"' "$data/Song History.json")"
+    [ "$now" -gt "$rows" ] || fail "$1: the history did not grow from $rows rows"
+    rows=$now
+    grep -q '"directoryPaths": \[' "$data/MusicSettings.json" || fail "$1: no settings saved"
+    [ "$(cat "$data/favorite.json")" = null ] || fail "$1: favourites are not null"
+    [ "$(cat "$data/InternetStations.json")" = null ] || fail "$1: stations are not null"
+    [ "$(grep -c '"name"' "$data/colors.json")" -eq 29 ] || fail "$1: colors.json is not 29 rows"
+    grep -q "added_later" "$data/musicLibraryCache.json" && fail "$1: a scan ran at start-up"
+    return 0
+}
+checkSaved "Ctrl+C"
+
+# Two more starts play from the saved library without a scan, and SIGTERM and SIGHUP save as the
+# close box does.
+touch "$album/added_later.mid"
+for signal in TERM HUP; do
+    : >"$log"
+    QT_QPA_PLATFORM=offscreen SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
+    pid=$!
+    waitFor "Fading in to volume" || { kill -9 $pid; fail "the SIG$signal run did not fade in"; }
+    grep -q "rebuilding the library" "$log" && fail "the SIG$signal run rebuilt the library"
+    kill -$signal $pid
+    wait $pid
+    code=$?
+    [ "$code" -eq 0 ] || fail "SIG$signal ended the player with $code"
+    checkSaved "SIG$signal"
+done
 exit 0
