@@ -78,6 +78,19 @@ TEST(Restart, BringsBackPlayCountsFavouritesHistoryAndEverySettingWithoutAScan) 
     EXPECT_EQ(folder.read("data/MusicSettings.json"), settings);
 }
 
+TEST(Shutdown, WithAnEmptyLibraryAndNoAudioStillWritesEveryFile) {
+    TempDir dir;
+    PlayerState st;
+    st.dataDirectory = dir.str();
+    st.libraryCachePath = dir.str() + "/musicLibraryCache.json";
+    shutdown(st);
+    for (const char* file :
+         {"musicLibraryCache.json", "favorite.json", "InternetStations.json", "Song History.json"})
+        EXPECT_EQ(TempDir::read(dir.path() / file), "null") << file;
+    EXPECT_TRUE(fs::exists(dir.path() / "MusicSettings.json"));
+    EXPECT_TRUE(fs::exists(dir.path() / "colors.json"));
+}
+
 TEST(Restart, ALostCacheIsRebuiltOnceFromTheStoredFolders) {
     GameFolder folder;
     addGameMusic(folder);
