@@ -40,30 +40,22 @@ TEST_F(Crossfade, TheOldSongSlidesOutWhileTheNewOneSlidesInAndTheOldSlotIsFreedA
 }
 
 TEST_F(Crossfade, MidiAndTrackerHandOverInBothDirections) {
-    FontHandle font = midiFontInit(timidityFont);
-    MidiFontRecord record{font, -1, 0};
-    midiStreamSetFonts(0, &record, 1);
+    setDefaultFont();
     addPlaylists({midi("a.mid", 6.0), module("b.mod")});
-    request(0);
-    startTransition(st);
-    advance(200);
+    transition(0);
     ChannelHandle song = st.musicStreamNext;
     ASSERT_NE(song, 0u);
     EXPECT_EQ(st.songsSinceFontChange, 1);
 
-    request(1);
-    startTransition(st); // MIDI in the Next slot fades out, the module fades into the main one
+    transition(1, 100); // MIDI in the Next slot fades out, the module fades into the main one
     ChannelHandle tracker = st.trackerStream;
     ASSERT_NE(tracker, 0u);
-    advance(100);
     EXPECT_NEAR(volumeOf(song), st.volume / 2, 1e-4);
     EXPECT_GT(peak(advance(100)), 0.0f);
     EXPECT_TRUE(isFreed(song));
     EXPECT_EQ(channelIsActive(tracker), ChannelState::Playing);
 
-    request(0);
-    startTransition(st);
-    advance(200);
+    transition(0);
     EXPECT_TRUE(isFreed(tracker));
     EXPECT_EQ(channelIsActive(st.musicStreamNext), ChannelState::Playing);
     EXPECT_EQ(st.songsSinceFontChange, 2);
@@ -71,14 +63,10 @@ TEST_F(Crossfade, MidiAndTrackerHandOverInBothDirections) {
 
 TEST_F(Crossfade, TwoPressesWithinOneFadeCutHardAndTheThirdSongFadesInAlone) {
     addPlaylists({sine("a.flac", 5.0), sine("b.flac", 5.0), sine("c.flac", 5.0)});
-    request(0);
-    startTransition(st);
-    advance(200);
+    transition(0);
     ChannelHandle first = st.musicStreamNext;
-    request(1);
-    startTransition(st);
+    transition(1, 50);
     ChannelHandle second = st.musicStream;
-    advance(50);
     request(2);
     startTransition(st); // within the fade: the hard cut
     ChannelHandle third = st.musicStreamNext;
@@ -102,9 +90,7 @@ TEST_F(Crossfade, WithoutAFadeTheWorkerClearsTheOldSlotAtOnceAndNeverTheNewOne) 
     st.FADE_DURATION_MS = 0;
     addPlaylists({sine("a.flac", 3.0), sine("b.flac", 3.0)});
     for (int i = 0; i < 20; ++i) {
-        request(i % 2);
-        startTransition(st);
-        advance(0);
+        transition(i % 2, 0);
         EXPECT_EQ(st.fadeWorkerRunning, 0);
         EXPECT_EQ(channelIsActive(audibleHandle(st)), ChannelState::Playing) << i;
         EXPECT_FLOAT_EQ(volumeOf(audibleHandle(st)), st.volume);
@@ -114,15 +100,12 @@ TEST_F(Crossfade, WithoutAFadeTheWorkerClearsTheOldSlotAtOnceAndNeverTheNewOne) 
 TEST_F(Crossfade, AFailedLoadFallsSilentKeepsItsHistoryRowAndTheNextPressRecovers) {
     std::ofstream(path("broken.mp3")) << "not audio";
     addPlaylists({module("a.mod"), path("broken.mp3")});
-    request(0);
-    startTransition(st);
-    advance(200);
+    transition(0);
     st.playRequested = false;
     st.firstFamilyPick = false;
     st.rawTracker = 0; // the draw can only reach the broken MP3
     std::size_t rows = st.songHistory.size();
-    startTransition(st);
-    advance(200);
+    transition();
     EXPECT_EQ(st.songHistory.size(), rows + 1);
     EXPECT_EQ(st.songHistory.back().plistIndex, 1);
     EXPECT_EQ(peak(advance(100)), 0.0f);
@@ -130,38 +113,24 @@ TEST_F(Crossfade, AFailedLoadFallsSilentKeepsItsHistoryRowAndTheNextPressRecover
     refreshPosition(st);
     EXPECT_EQ(st.positionSeconds, -1.0);
     EXPECT_FALSE(segmentEndDue(st));
-    request(0);
-    startTransition(st);
-    advance(200);
+    transition(0);
     EXPECT_GT(peak(advance(100)), 0.0f);
 }
 
-TEST_F(Crossfade, AVolumeChangeEndsTheFadeInWhileTheOldSongGoesOnFading) {
-    addPlaylists({sine("a.flac", 5.0), sine("b.flac", 5.0)});
-    request(0);
-    startTransition(st);
-    advance(200);
+TEST_F(Crossfade, DuringAFadeAVolumeChangeEndsOnlyTheFadeInAndPauseTakesTheMainSlotFirst) {
+    addPlaylists({sine("a.flac", 5.0), sine("b.flac", 5.0), sine("c.flac", 5.0)});
+    transition(0); // into the Next slot
     ChannelHandle old = st.musicStreamNext;
-    request(1);
-    startTransition(st);
-    advance(50);
+    transition(1, 50); // into the main slot
     st.volume = 0.9f;
     applyVolume(st);
     EXPECT_EQ(volumeOf(st.musicStream), 0.9f);
     EXPECT_EQ(st.appliedVolume, 0.9f);
     EXPECT_NEAR(volumeOf(old), 0.5f * 0.75f, 1e-4);
-}
+    advance(150);
 
-TEST_F(Crossfade, PauseAsksTheMainFieldFirstAndSoPausesTheOutgoingSongOfAFade) {
-    addPlaylists({sine("a.flac", 5.0), sine("b.flac", 5.0), sine("c.flac", 5.0)});
-    request(0);
-    startTransition(st); // into the Next slot
-    advance(200);
-    request(1);
-    startTransition(st); // into the main slot
-    advance(200);
     request(2);
-    startTransition(st); // into the Next slot: the main one is going
+    startTransition(st); // into the Next slot: the main one is going, and pause asks it first
     ChannelHandle going = st.musicStream;
     togglePause(st);
     EXPECT_EQ(channelIsActive(going), ChannelState::Paused);
@@ -171,10 +140,21 @@ TEST_F(Crossfade, PauseAsksTheMainFieldFirstAndSoPausesTheOutgoingSongOfAFade) {
     EXPECT_EQ(channelIsActive(going), ChannelState::Playing);
 }
 
-TEST_F(Crossfade, WithTheAudioOffANextPressCountsAndDrawsButStaysSilent) {
+TEST_F(Crossfade, TheVolumeToggleGoesLowThenHighAndWithTheAudioOffANextPressStillCounts) {
     addPlaylists({sine("a.flac", 5.0)});
-    startTransition(st);
-    advance(200);
+    transition();
+    st.volume = 0.3f;
+    toggleVolumeLevel(st);
+    EXPECT_EQ(st.volume, st.lowVolume);
+    EXPECT_EQ(st.volumeToggleState, 1);
+    advance(1000);
+    EXPECT_NEAR(volumeOf(audibleHandle(st)), (0.5f + 0.1f) / 2, 1e-3);
+    st.volume = 0.2f;
+    applyVolume(st); // a change while low redefines the low level
+    EXPECT_EQ(st.lowVolume, 0.2f);
+    toggleVolumeLevel(st);
+    EXPECT_EQ(st.volume, st.highVolume);
+
     freeAudio(st);
     EXPECT_EQ(transportState(st), TransportState::AudioOff);
     std::size_t rows = st.songHistory.size();
@@ -184,23 +164,6 @@ TEST_F(Crossfade, WithTheAudioOffANextPressCountsAndDrawsButStaysSilent) {
     EXPECT_EQ(st.playlists[0].songs[0].playCount, plays + 1);
     EXPECT_EQ(transportState(st), TransportState::AudioOff);
     ASSERT_TRUE(engineInit(AudioOutput::Null)); // for the fixture's tear-down
-}
-
-TEST_F(Crossfade, TheVolumeToggleGoesLowThenHighAndAVolumeChangeRedefinesTheLevel) {
-    addPlaylists({sine("a.flac", 5.0)});
-    startTransition(st);
-    advance(200);
-    st.volume = 0.3f;
-    toggleVolumeLevel(st);
-    EXPECT_EQ(st.volume, st.lowVolume);
-    EXPECT_EQ(st.volumeToggleState, 1);
-    advance(1000);
-    EXPECT_NEAR(volumeOf(audibleHandle(st)), (0.5f + 0.1f) / 2, 1e-3);
-    st.volume = 0.2f;
-    applyVolume(st);
-    EXPECT_EQ(st.lowVolume, 0.2f);
-    toggleVolumeLevel(st);
-    EXPECT_EQ(st.volume, st.highVolume);
 }
 
 } // namespace

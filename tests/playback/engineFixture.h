@@ -3,14 +3,50 @@
 #include "media/encodedAudio.h"
 #include "media/midiWriter.h"
 #include "media/moduleWriter.h"
+#include "playback/engine/decoder.h"
 #include "playback/engine/engine.h"
 #include "support/tempDir.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
+
+constexpr const char* timidityFont = "/usr/share/sounds/sf2/TimGM6mb.sf2";
+
+// What the work printed: the player logs to standard output, so a test reads it or silences it.
+template <typename Work> std::string logOf(Work work) {
+    testing::internal::CaptureStdout();
+    work();
+    return testing::internal::GetCapturedStdout();
+}
+
+inline float peak(const std::vector<float>& samples) {
+    float most = 0.0f;
+    for (float v : samples)
+        most = std::max(most, std::fabs(v));
+    return most;
+}
+
+// Up to `frames` from a decoder, asked for in blocks as a decode thread would; fewer at its end.
+inline std::vector<float> renderFrames(Decoder& decoder, std::size_t frames,
+                                       std::size_t block = 1000) {
+    std::vector<float> out(2 * frames);
+    std::size_t done = 0;
+    while (done < frames) {
+        std::size_t got = decoder.render(out.data() + 2 * done, std::min(block, frames - done));
+        if (got == 0)
+            break;
+        done += got;
+    }
+    out.resize(2 * done);
+    return out;
+}
+inline std::vector<float> renderAll(Decoder& decoder, std::size_t block = 1000) {
+    return renderFrames(decoder, decoder.lengthFrames() + engineRate, block);
+}
 
 // The engine on its null output with every decoder role loaded, and media made for the test.
 class NullEngine : public testing::Test {
@@ -54,20 +90,26 @@ class NullEngine : public testing::Test {
         midiSeconds = media::writeMidi(path(name), media::bandSong(seconds)).value_or(0.0);
         return path(name);
     }
+    // Makes TimGM6mb the font that every new MIDI stream starts with.
+    FontHandle setDefaultFont() {
+        FontHandle font = midiFontInit(timidityFont);
+        EXPECT_NE(font, 0u);
+        MidiFontRecord record{font, -1, 0};
+        EXPECT_TRUE(midiStreamSetFonts(0, &record, 1));
+        return font;
+    }
 
     static std::uint64_t frameBytes(double seconds) {
         return static_cast<std::uint64_t>(seconds * 44100) * 4;
     }
-    static float peak(const std::vector<float>& mix) {
-        float most = 0.0f;
-        for (float v : mix)
-            most = std::max(most, std::fabs(v));
-        return most;
+    static float volumeOf(ChannelHandle handle) {
+        float volume = -1.0f;
+        channelGetVolume(handle, volume);
+        return volume;
     }
+    static bool isFreed(ChannelHandle handle) { return channelGetLength(handle) == noPosition; }
 
     TempDir dir;
     double moduleSeconds = 0.0;
     double midiSeconds = 0.0;
 };
-
-constexpr const char* timidityFont = "/usr/share/sounds/sf2/TimGM6mb.sf2";

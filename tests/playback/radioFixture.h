@@ -2,6 +2,7 @@
 #include "core/playerState.h"
 #include "engineFixture.h"
 #include "library/model.h"
+#include "playback/crossfade.h"
 #include "playback/fadeWorker.h"
 #include "support/manualClock.h"
 #include "support/recordingPlatform.h"
@@ -38,6 +39,13 @@ class Radio : public NullEngine {
         st.requestedPlaylist = plist;
         st.requestedSong = 0;
     }
+    // A transition to the playlist's song (to a new selection for -1), then `ms` of it heard.
+    void transition(int plist = -1, int ms = 200) {
+        if (plist >= 0)
+            request(plist);
+        startTransition(st);
+        advance(ms);
+    }
     // Pulls the frames of the time and lets every worker whose time has come finish.
     std::vector<float> advance(int milliseconds) {
         std::vector<float> mix = nullOutputPull(static_cast<std::size_t>(milliseconds) * 441 / 10);
@@ -45,12 +53,6 @@ class Radio : public NullEngine {
         settleFadeWorkers(st);
         return mix;
     }
-    float volumeOf(ChannelHandle handle) {
-        float volume = -1.0f;
-        channelGetVolume(handle, volume);
-        return volume;
-    }
-    bool isFreed(ChannelHandle handle) { return channelGetLength(handle) == noPosition; }
 
     PlayerState st;
     ManualClock clock;

@@ -1,4 +1,3 @@
-#include "playback/crossfade.h"
 #include "radio/segments.h"
 #include "radio/walks.h"
 #include "radioFixture.h"
@@ -17,10 +16,7 @@ class TransitionStress : public Radio {
   protected:
     void SetUp() override {
         Radio::SetUp();
-        FontHandle font = midiFontInit(timidityFont);
-        ASSERT_NE(font, 0u);
-        MidiFontRecord record{font, -1, 0};
-        ASSERT_TRUE(midiStreamSetFonts(0, &record, 1));
+        setDefaultFont();
         // Short files loop often; the module is long enough never to reach its end, where it
         // would stop by itself.
         addPlaylists({sine("a.flac", 1.5, 441), sine("b.flac", 0.6, 660), sine("c.flac", 3.0, 880),
@@ -28,53 +24,33 @@ class TransitionStress : public Radio {
         st.rawRadio = 0;
     }
 
-    // What a walk does, and how much of it.
-    struct Walk {
-        bool realTime = false; // the steady clock and real sleeps, or the manual clock
-        int maxFadeMs = 200;
-        int transitions = 1000;
-    };
-
-    enum class Action { Request, Selection, Previous, Pause, Volume, Time };
-
-    void run(const Walk& walk) {
-        if (walk.realTime)
+    // realTime: the steady clock and real sleeps, else the manual clock.
+    void run(bool realTime, int maxFadeMs, int transitions) {
+        if (realTime)
             st.fadeClock = nullptr; // before the first worker starts, which reads it
-        int transitions = 0;
-        for (int step = 0; transitions < walk.transitions; ++step) {
-            // Nothing is audible before the first song.
-            Action action = step == 0 || draw(0, 9) < 4 ? transition() : other();
-            if (changesSong(action)) {
-                st.FADE_DURATION_MS = draw(0, walk.maxFadeMs);
-                ++transitions;
+        for (int step = 0, done = 0; done < transitions; ++step) {
+            // Nothing is audible before the first song, so the first step changes the song.
+            Action action = step == 0 || draw(0, 9) < 4 ? Action(draw(0, 2)) : Action(draw(3, 5));
+            if (action == Action::Previous && st.historyPosition <= 0)
+                action = Action::Selection; // at the first row a step back does nothing
+            bool changesSong = action <= Action::Previous;
+            if (changesSong) {
+                st.FADE_DURATION_MS = draw(0, maxFadeMs);
+                ++done;
             }
-            quietly([&] { perform(action); });
-            if (changesSong(action)) {
+            logOf([&] { perform(action); }); // a line or two for every load, thousands in all
+            if (changesSong) {
                 ASSERT_NE(audibleHandle(st), 0u) << "step " << step << ": every file loads";
             }
-            passTime(walk);
-            ASSERT_TRUE(audibleIsUntouched())
-                << "step " << step << ", action " << static_cast<int>(action);
+            passTime(realTime);
+            ASSERT_TRUE(audibleIsUntouched()) << "step " << step << ", action " << int(action);
         }
     }
 
   private:
-    int draw(int low, int high) { return std::uniform_int_distribution<int>(low, high)(rng); }
-    static bool changesSong(Action action) { return action <= Action::Previous; }
-    Action transition() {
-        int kind = draw(0, 2);
-        if (kind == 2 && st.historyPosition <= 0)
-            kind = 1; // at the first row a step back does nothing
-        return static_cast<Action>(kind);
-    }
-    Action other() { return static_cast<Action>(draw(3, 5)); }
+    enum class Action { Request, Selection, Previous, Pause, Volume, Time };
 
-    // The player's log says a line or two for every load; a thousand of them say nothing here.
-    template <typename Work> static void quietly(Work work) {
-        testing::internal::CaptureStdout();
-        work();
-        testing::internal::GetCapturedStdout();
-    }
+    int draw(int low, int high) { return std::uniform_int_distribution<int>(low, high)(rng); }
 
     void perform(Action action) {
         switch (action) {
@@ -119,8 +95,8 @@ class TransitionStress : public Radio {
     // Frames the listener hears, the workers' clock moving on with them, then every worker whose
     // time has come finishes. Real time also sleeps, so the workers wake while the mixer and the
     // next step run.
-    void passTime(const Walk& walk) {
-        if (!walk.realTime) {
+    void passTime(bool realTime) {
+        if (!realTime) {
             advance(draw(0, 120));
             return;
         }
@@ -148,11 +124,11 @@ class TransitionStress : public Radio {
 };
 
 TEST_F(TransitionStress, AThousandTransitionsAtRandomMomentsNeverSilenceTheAudibleSong) {
-    run(Walk{.realTime = false, .maxFadeMs = 200, .transitions = 1000});
+    run(/*realTime=*/false, /*maxFadeMs=*/200, /*transitions=*/1000);
 }
 
 TEST_F(TransitionStress, WorkersOnTheRealClockRacingTheTransportNeverSilenceTheAudibleSong) {
-    run(Walk{.realTime = true, .maxFadeMs = 20, .transitions = 400});
+    run(/*realTime=*/true, /*maxFadeMs=*/20, /*transitions=*/400);
 }
 
 } // namespace

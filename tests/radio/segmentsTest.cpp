@@ -13,64 +13,54 @@ Segment segmentFor(SegmentInput in, std::vector<double> us) {
     return chooseSegment(in, [&] { return us.at(next++); });
 }
 
-SegmentInput song(double length) {
-    SegmentInput in;
-    in.lengthSeconds = length;
-    return in;
-}
-
-TEST(SegmentRules, ADefaultSongStartsAnywhereAndEndsItsFadeWithTheSong) {
-    Segment early = segmentFor(song(240), {0.0, 1.0});
-    EXPECT_EQ(early.start, 0.0);
-    EXPECT_EQ(early.end, 110.0);
-    EXPECT_TRUE(early.seek);
-    Segment latest = segmentFor(song(240), {1.0, 0.0});
-    EXPECT_EQ(latest.start, 195.0);
-    // A start past 187 s runs the segment up to the fade that ends with the song.
-    Segment late = segmentFor(song(240), {190.0 / 195.0, 1.0});
-    EXPECT_NEAR(late.start, 190.0, 1e-9);
-    EXPECT_DOUBLE_EQ(late.end, 232.0);
-}
-
-TEST(SegmentRules, SettingsInEitherOrderAndTinyMinimumsKeepTheStartThreeSecondsFromTheEnd) {
-    SegmentInput reversed = song(240);
-    reversed.minSeconds = 100;
-    reversed.maxSeconds = 50;
+TEST(SegmentRules, StartAndEndFollowTheLengthTheSettingsAndTheDraws) {
+    struct Case {
+        const char* why;
+        SegmentInput in;
+        std::vector<double> us; // the draws, in order; none for a rule that draws nothing
+        Segment want;
+    };
+    const Case cases[] = {
+        {"the earliest start", {.lengthSeconds = 240}, {0.0, 1.0}, {0.0, 110.0, true}},
+        {"the latest start", {.lengthSeconds = 240}, {1.0, 0.0}, {195.0, 240.0, true}},
+        // A start past 187 s runs the segment up to the fade that ends with the song.
+        {"a late start", {.lengthSeconds = 240}, {190.0 / 195.0, 1.0}, {190.0, 232.0, true}},
+        {"a tiny minimum keeps the start three seconds from the end",
+         {.lengthSeconds = 240, .minSeconds = 1, .maxSeconds = 2, .fadeSeconds = 0.0},
+         {1.0, 0.0},
+         {237.0, 238.0, true}},
+        // The length is counted from the negative start: 45 s after it, the song's end.
+        {"a song shorter than the shortest segment",
+         {.lengthSeconds = 40},
+         {1.0, 0.0},
+         {-5.0, 40.0, true}},
+        {"segments off, or walking the history",
+         {.lengthSeconds = 200, .wholeSong = true},
+         {},
+         {0.0, 192.0, false}},
+        {"a stream under 30 s plays to 2 s before its end",
+         {.lengthSeconds = 20},
+         {},
+         {0.0, 18.0, false}},
+        {"a module of 20 s takes the segment rule",
+         {.lengthSeconds = 20, .streamRules = false},
+         {0.0, 0.0},
+         {0.0, 12.0, true}},
+        {"a very short stream", {.lengthSeconds = 1.5}, {}, {0.0, 0.0, false}},
+        {"a failed channel reads as -1 s", {.lengthSeconds = -1.0}, {}, {0.0, 0.0, false}},
+    };
+    for (const Case& c : cases) {
+        Segment s = segmentFor(c.in, c.us);
+        EXPECT_DOUBLE_EQ(s.start, c.want.start) << c.why;
+        EXPECT_DOUBLE_EQ(s.end, c.want.end) << c.why;
+        EXPECT_EQ(s.seek, c.want.seek) << c.why;
+    }
+    // Settings in either order: the length is drawn between them.
     for (double u : {0.0, 0.5, 1.0}) {
-        Segment s = segmentFor(reversed, {0.0, u});
+        Segment s = segmentFor({.lengthSeconds = 240, .minSeconds = 100, .maxSeconds = 50}, {0, u});
         EXPECT_GE(s.end - s.start, 50.0);
         EXPECT_LE(s.end - s.start, 100.0);
     }
-    SegmentInput tiny = song(240);
-    tiny.minSeconds = 1;
-    tiny.maxSeconds = 2;
-    tiny.fadeSeconds = 0.0;
-    Segment s = segmentFor(tiny, {1.0, 0.0});
-    EXPECT_EQ(s.start, 237.0);
-    EXPECT_EQ(s.end - s.start, 1.0);
-}
-
-TEST(SegmentRules, WholeSongsShortStreamsAndVeryShortOnesSkipTheDraw) {
-    SegmentInput whole = song(200);
-    whole.wholeSong = true; // segments off, or walking the history
-    EXPECT_EQ(segmentFor(whole, {}).end, 192.0);
-    // A stream under 30 s plays to 2 s before its end; a module of 20 s takes the segment rule.
-    EXPECT_EQ(segmentFor(song(20), {}).end, 18.0);
-    SegmentInput tracker = song(20);
-    tracker.streamRules = false;
-    EXPECT_TRUE(segmentFor(tracker, {0.0, 0.0}).seek);
-    Segment tiny = segmentFor(song(1.5), {});
-    EXPECT_EQ(tiny.end, 0.0);
-    EXPECT_FALSE(tiny.seek);
-    // A failed channel reads as -1 s: nothing is drawn and the segment ends at 0.
-    EXPECT_EQ(segmentFor(song(-1.0), {}).end, 0.0);
-}
-
-TEST(SegmentRules, ASongShorterThanTheShortestSegmentGetsANegativeStart) {
-    Segment s = segmentFor(song(40), {1.0, 0.0});
-    EXPECT_EQ(s.start, -5.0);
-    // The length is counted from the negative start: 45 s after it, which is the song's end.
-    EXPECT_EQ(s.end, 40.0);
 }
 
 TEST(StationTime, IsDrawnBetweenTheTwoSettingsInEitherOrder) {
@@ -86,77 +76,50 @@ TEST(StationTime, IsDrawnBetweenTheTwoSettingsInEitherOrder) {
     }
 }
 
-struct EndCase {
-    double position;
-    double segmentEnd;
-    double length;
-    bool due;
-};
-
-class SongEnd : public testing::TestWithParam<EndCase> {};
-
-TEST_P(SongEnd, IsDueInItsWindowsOnly) {
-    PlayerState st;
-    st.totalSongCount = 10;
-    st.positionSeconds = GetParam().position;
-    st.segmentEnd = GetParam().segmentEnd;
-    st.lengthSeconds = GetParam().length;
-    EXPECT_EQ(segmentEndDue(st), GetParam().due);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Windows, SongEnd,
-    testing::Values(EndCase{98.9, 100, 300, false},    // more than a second before
-                    EndCase{99.01, 100, 300, true},    // just under a second before
-                    EndCase{102.99, 100, 300, true},   // just under three seconds after
-                    EndCase{103.0, 100, 300, false},   // three seconds after
-                    EndCase{160.5, 100, 300, true},    // a segment end jumped over, a minute on
-                    EndCase{5.9, 5.5, 300, false},     // the first five seconds never end a song
-                    EndCase{180.2, 400, 180.9, true},  // the true end
-                    EndCase{-1.0, 0.0, -1.0, false},   // a failed channel
-                    EndCase{60.5, 60.0, 60.9, true})); // both at once: one transition
-
-TEST(SongEndOutsideTheWindows, NeverDuringAFadeOrWithoutSongsAndTheTrueEndHoldsInAWalk) {
-    PlayerState st;
-    st.totalSongCount = 10;
-    st.positionSeconds = 99.5;
-    st.segmentEnd = 100;
-    st.lengthSeconds = 100.2;
-    st.fadeWorkerRunning = 1;
-    EXPECT_FALSE(segmentEndDue(st));
-    st.fadeWorkerRunning = 0;
-    st.totalSongCount = 0;
-    EXPECT_FALSE(segmentEndDue(st));
-    st.totalSongCount = 10;
-    st.historyNavigation = 1;
-    EXPECT_FALSE(segmentEndDue(st));
-    st.positionSeconds = 100.1;
-    EXPECT_TRUE(segmentEndDue(st));
-}
-
-TEST(StationEnd, FollowsTheModeAndNeverLeavesAChosenStation) {
-    PlayerState st;
-    st.onStation = true;
-    st.segmentEnd = 100;
-    st.positionSeconds = 130; // R = -30
-    for (int mode : {1, 2, 3}) {
-        st.stationMode = mode;
-        EXPECT_TRUE(segmentEndDue(st)) << mode;
-    }
-    st.historyNavigation = 1;
-    EXPECT_FALSE(segmentEndDue(st)); // mode 3 waits while walking the history
-    st.historyNavigation = 0;
-    st.positionSeconds = 25;
-    st.segmentEnd = 20;
-    EXPECT_FALSE(segmentEndDue(st)); // mode 3: not in the first 30 s
-    st.positionSeconds = 161;
-    st.segmentEnd = 100;
-    st.stationMode = 1;
-    EXPECT_FALSE(segmentEndDue(st)); // R = -61
-    for (int mode : {0, 4}) {
-        st.stationMode = mode;
-        st.positionSeconds = 100;
-        EXPECT_FALSE(segmentEndDue(st)) << mode;
+TEST(SegmentEnd, IsDueInItsWindowsOnlyAndAStationEndFollowsTheMode) {
+    struct Case {
+        const char* why;
+        double position, segmentEnd, length;
+        bool due;
+        int songs = 10, fading = 0, walking = 0;
+        int stationMode = -1; // on a station in this mode
+    };
+    const Case cases[] = {
+        {"more than a second before", 98.9, 100, 300, false},
+        {"just under a second before", 99.01, 100, 300, true},
+        {"just under three seconds after", 102.99, 100, 300, true},
+        {"three seconds after", 103.0, 100, 300, false},
+        {"a segment end jumped over, a minute on", 160.5, 100, 300, true},
+        {"the first five seconds never end a song", 5.9, 5.5, 300, false},
+        {"the true end", 180.2, 400, 180.9, true},
+        {"a failed channel", -1.0, 0.0, -1.0, false},
+        {"both at once: one transition", 60.5, 60.0, 60.9, true},
+        {"during a fade", 99.5, 100, 100.2, false, 10, 1},
+        {"without songs", 99.5, 100, 100.2, false, 0},
+        {"the segment end in a walk", 99.5, 100, 100.2, false, 10, 0, 1},
+        {"the true end in a walk", 100.1, 100, 100.2, true, 10, 0, 1},
+        {"a station, mode 1", 130, 100, 0, true, 0, 0, 0, 1},
+        {"a station, mode 2", 130, 100, 0, true, 0, 0, 0, 2},
+        {"a station, mode 3", 130, 100, 0, true, 0, 0, 0, 3},
+        {"mode 3 waits while walking the history", 130, 100, 0, false, 0, 0, 1, 3},
+        {"mode 3: not in the first 30 s", 25, 20, 0, false, 0, 0, 0, 3},
+        {"a minute and more past the end", 161, 100, 0, false, 0, 0, 0, 1},
+        {"a station chosen in mode 0", 100, 100, 0, false, 0, 0, 0, 0},
+        {"a station chosen in mode 4", 100, 100, 0, false, 0, 0, 0, 4},
+    };
+    for (const Case& c : cases) {
+        PlayerState st;
+        st.positionSeconds = c.position;
+        st.segmentEnd = c.segmentEnd;
+        st.lengthSeconds = c.length;
+        st.totalSongCount = c.songs;
+        st.fadeWorkerRunning = c.fading;
+        st.historyNavigation = c.walking;
+        if (c.stationMode >= 0) {
+            st.onStation = true;
+            st.stationMode = c.stationMode;
+        }
+        EXPECT_EQ(segmentEndDue(st), c.due) << c.why;
     }
 }
 
