@@ -388,7 +388,7 @@ void saveLibraryCache(PlayerState& st) {
             appendNumber(text, 20, "musicType", song.musicType);
             appendNumber(text, 20, "playCount", song.playCount);
             appendKey(text, 20, "songPath");
-            appendJsonString(text, song.songPath);
+            appendUtf8JsonString(text, song.songPath);
             text += "\n                }";
         }
         if (anySong)

@@ -4,7 +4,7 @@
 #include "core/paths.h"
 #include "core/playerState.h"
 #include "library/model.h"
-#include "settings/jsonFile.h"
+#include "settings/jsonRows.h"
 
 #include <charconv>
 #include <fstream>
@@ -17,8 +17,6 @@ namespace {
 using Json = nlohmann::json;
 
 bool readRow(const Json& element, FavoriteEntry& row) {
-    if (!element.is_object())
-        return false;
     auto path = element.find("songPath");
     if (path == element.end() || !path->is_string())
         return false;
@@ -76,11 +74,10 @@ void saveFavoritesFile(const PlayerState& st, const std::string& path) {
 }
 
 void mergeFavoritesFile(PlayerState& st, const std::string& path) {
-    if (!std::ifstream(path, std::ios::binary)) {
+    JsonRead read;
+    std::optional<Json> root = readJsonFile(path, &read);
+    if (read == JsonRead::Missing)
         logErr("Failed to open %s for reading.\n", path.c_str());
-        return;
-    }
-    std::optional<Json> root = readJsonFile(path);
     if (!root || root->is_null())
         return;
     auto rows = root->is_object() ? root->find("favorites") : root->end();
@@ -93,20 +90,9 @@ void mergeFavoritesFile(PlayerState& st, const std::string& path) {
     std::unordered_set<std::string> known;
     for (const FavoriteEntry& row : st.favorites)
         known.insert(asciiLower(row.songPath));
-    std::size_t dropped = 0;
-    for (const Json& element : *rows) {
-        FavoriteEntry row;
-        if (!readRow(element, row)) {
-            ++dropped;
-            continue;
-        }
-        // The older row keeps its count.
-        if (known.insert(asciiLower(row.songPath)).second)
+    for (FavoriteEntry& row : readJsonRows<FavoriteEntry>(*rows, path, "rows", readRow))
+        if (known.insert(asciiLower(row.songPath)).second) // the older row keeps its count
             st.favorites.push_back(std::move(row));
-    }
-    if (dropped > 0)
-        setAsideDamaged(path,
-                        std::to_string(dropped) + " rows could not be read and were left out");
 }
 
 void checkFavoriteFile(PlayerState& st, const std::string& path) {

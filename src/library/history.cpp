@@ -2,9 +2,8 @@
 
 #include "core/log.h"
 #include "core/playerState.h"
-#include "settings/jsonFile.h"
+#include "settings/jsonRows.h"
 
-#include <filesystem>
 #include <limits>
 #include <nlohmann/json.hpp>
 
@@ -23,26 +22,23 @@ std::optional<int> intAt(const nlohmann::json& row, const char* key) {
     return static_cast<int>(value);
 }
 
-std::optional<HistoryEntry> rowOf(const nlohmann::json& row) {
-    if (!row.is_object())
-        return std::nullopt;
-    auto type = intAt(row, "songType");
-    auto song = intAt(row, "songIndex");
-    auto plist = intAt(row, "plistIndex");
+bool readRow(const nlohmann::json& element, HistoryEntry& row) {
+    auto type = intAt(element, "songType");
+    auto song = intAt(element, "songIndex");
+    auto plist = intAt(element, "plistIndex");
     if (!type || !song || !plist)
-        return std::nullopt;
-    return HistoryEntry{*type, *song, *plist};
+        return false;
+    row = HistoryEntry{*type, *song, *plist};
+    return true;
 }
 
 } // namespace
 
 void loadSongHistory(PlayerState& st, const std::string& path) {
-    std::error_code ec;
-    if (!std::filesystem::exists(path, ec)) {
+    JsonRead read;
+    std::optional<nlohmann::json> root = readJsonFile(path, &read);
+    if (read == JsonRead::Missing)
         logErr("Failed to open %s for reading.\n", path.c_str());
-        return;
-    }
-    std::optional<nlohmann::json> root = readJsonFile(path);
     if (!root)
         return;
     st.songHistory.clear();
@@ -53,16 +49,7 @@ void loadSongHistory(PlayerState& st, const std::string& path) {
         setAsideDamaged(path, "it holds no list of songs");
         return;
     }
-    std::size_t dropped = 0;
-    for (const nlohmann::json& element : *songs) {
-        if (auto row = rowOf(element))
-            st.songHistory.push_back(*row);
-        else
-            ++dropped;
-    }
-    if (dropped > 0)
-        setAsideDamaged(path,
-                        std::to_string(dropped) + " rows could not be read and were left out");
+    st.songHistory = readJsonRows<HistoryEntry>(*songs, path, "rows", readRow);
 }
 
 void saveSongHistory(const PlayerState& st, const std::string& path) {

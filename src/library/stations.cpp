@@ -2,18 +2,13 @@
 
 #include "core/log.h"
 #include "core/playerState.h"
-#include "settings/jsonFile.h"
-
-#include <fstream>
-#include <nlohmann/json.hpp>
+#include "settings/jsonRows.h"
 
 namespace {
 
 using Json = nlohmann::json;
 
 bool readStation(const Json& element, RadioStation& station) {
-    if (!element.is_object())
-        return false;
     auto name = element.find("name");
     auto url = element.find("url");
     if (name == element.end() || !name->is_string() || url == element.end() || !url->is_string())
@@ -33,29 +28,20 @@ bool readStation(const Json& element, RadioStation& station) {
 } // namespace
 
 bool loadStations(PlayerState& st, const std::string& path) {
-    if (!std::ifstream(path, std::ios::binary)) {
+    JsonRead read;
+    std::optional<Json> root = readJsonFile(path, &read);
+    if (read == JsonRead::Missing) {
         logErr("Unable to open file for reading: %s\n", path.c_str());
         return false;
     }
     st.radioStations.clear();
-    std::optional<Json> root = readJsonFile(path);
     if (!root || root->is_null())
         return true;
     if (!root->is_array()) {
         setAsideDamaged(path, "it is not a list of stations");
         return true;
     }
-    std::size_t dropped = 0;
-    for (const Json& element : *root) {
-        RadioStation station;
-        if (readStation(element, station))
-            st.radioStations.push_back(std::move(station));
-        else
-            ++dropped;
-    }
-    if (dropped > 0)
-        setAsideDamaged(path,
-                        std::to_string(dropped) + " stations could not be read and were left out");
+    st.radioStations = readJsonRows<RadioStation>(*root, path, "stations", readStation);
     return true;
 }
 

@@ -3,7 +3,7 @@
 #include "core/log.h"
 #include "core/paths.h"
 #include "core/playerState.h"
-#include "settings/jsonFile.h"
+#include "settings/jsonRows.h"
 
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -32,8 +32,6 @@ std::string stringAt(const Json& root, const char* key, std::string& wrongKeys) 
 }
 
 bool readColor(const Json& element, ColorEntry& color) {
-    if (!element.is_object())
-        return false;
     auto name = element.find("name");
     if (name == element.end() || !name->is_string())
         return false;
@@ -74,29 +72,17 @@ void saveConfig(const PlayerState& st) {
 }
 
 std::vector<ColorEntry> loadColors(const std::string& path) {
-    if (!std::ifstream(path, std::ios::binary)) {
+    JsonRead read;
+    std::optional<Json> root = readJsonFile(path, &read);
+    if (read == JsonRead::Missing)
         logErr("Unable to open file for reading: %s\n", path.c_str());
-        return {};
-    }
-    std::vector<ColorEntry> colors;
-    std::optional<Json> root = readJsonFile(path);
     if (!root || root->is_null())
-        return colors;
+        return {};
     if (!root->is_array()) {
         setAsideDamaged(path, "it is not a list of colours");
-        return colors;
+        return {};
     }
-    std::size_t dropped = 0;
-    for (const Json& element : *root) {
-        ColorEntry color;
-        if (readColor(element, color))
-            colors.push_back(std::move(color));
-        else
-            ++dropped;
-    }
-    if (dropped > 0)
-        setAsideDamaged(path, std::to_string(dropped) + " colours could not be read");
-    return colors;
+    return readJsonRows<ColorEntry>(*root, path, "colours", readColor);
 }
 
 void saveColors(const std::vector<ColorEntry>& colors, const std::string& path) {

@@ -86,15 +86,24 @@ FileRead readWholeFile(const std::string& path, std::string& text) {
 
 } // namespace
 
-std::optional<nlohmann::json> readJsonFile(const std::string& path) {
+std::optional<nlohmann::json> readJsonFile(const std::string& path, JsonRead* read) {
+    JsonRead status = JsonRead::NotJson;
     std::string text;
-    if (readWholeFile(path, text) != FileRead::Read)
-        return std::nullopt;
-    nlohmann::json document = nlohmann::json::parse(text, nullptr, false);
-    if (document.is_discarded()) {
-        setAsideDamaged(path, "it is not JSON");
-        return std::nullopt;
+    FileRead file = readWholeFile(path, text);
+    std::optional<nlohmann::json> document;
+    if (file == FileRead::Missing) {
+        status = JsonRead::Missing;
+    } else if (file == FileRead::Read) {
+        nlohmann::json parsed = nlohmann::json::parse(text, nullptr, false);
+        if (parsed.is_discarded()) {
+            setAsideDamaged(path, "it is not JSON");
+        } else {
+            status = JsonRead::Read;
+            document = std::move(parsed);
+        }
     }
+    if (read)
+        *read = status;
     return document;
 }
 
@@ -133,6 +142,10 @@ void appendJsonString(std::string& out, std::string_view text) {
                    .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
         return;
     }
+    appendUtf8JsonString(out, text);
+}
+
+void appendUtf8JsonString(std::string& out, std::string_view text) {
     static const char hex[] = "0123456789abcdef";
     out += '"';
     std::size_t plain = 0; // start of the run of bytes that go out as they are

@@ -13,12 +13,13 @@ NLOHMANN_JSON_NAMESPACE_END
 // A missing file is a normal state: nullopt, no message. A damaged one (not JSON, empty, random
 // bytes) gives one line on the error stream, is copied aside for the user (setAsideDamaged) and
 // reads as nullopt too. A file holding the single word null reads as a null document.
-std::optional<nlohmann::json> readJsonFile(const std::string& path);
+// read, when given, tells a missing file from a damaged one, so the caller opens the file once.
+enum class JsonRead { Missing, NotJson, Read };
+std::optional<nlohmann::json> readJsonFile(const std::string& path, JsonRead* read = nullptr);
 
 // The same reading for a file too large to hold as a document: the parse events go to events as
 // they come. On text that is not JSON the events so far have been delivered, and the file is
 // reported and copied aside as above.
-enum class JsonRead { Missing, NotJson, Read };
 JsonRead readJsonEvents(const std::string& path, nlohmann::json_sax<nlohmann::json>& events);
 
 // For a reader that found the JSON sound but its content wrong (a root or a key of the wrong
@@ -38,6 +39,8 @@ bool writeJsonText(const std::string& path, const std::string& text);
 // Appends text as a JSON string exactly as the documents above write it: quoted, escaped, and
 // bytes that are not UTF-8 replaced by U+FFFD.
 void appendJsonString(std::string& out, std::string_view text);
+// The same for text already known to be valid UTF-8, which is not checked again.
+void appendUtf8JsonString(std::string& out, std::string_view text);
 
 // An integer field of a file: any JSON number, cut toward zero, or a boolean as 0 or 1. A number
 // past the 32-bit range, or another type, is refused and leaves out untouched.

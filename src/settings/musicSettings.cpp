@@ -7,7 +7,6 @@
 
 #include <array>
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <string_view>
@@ -123,13 +122,14 @@ bool readKey(const Json& value, Field field, PlayerState& st) {
 } // namespace
 
 bool loadMusicSettings(PlayerState& st, const std::string& path) {
-    if (!std::ifstream(path, std::ios::binary)) {
+    JsonRead read;
+    std::optional<Json> root = readJsonFile(path, &read);
+    if (read == JsonRead::Missing) {
         logErr("Failed to open file for reading: %s\n", path.c_str());
         return false;
     }
-    // The file opened: from here on it counts as read, so a damaged one in the data folder is
-    // not replaced by some other copy in the working directory. readJsonFile has reported it.
-    std::optional<Json> root = readJsonFile(path);
+    // The file is there: it counts as read, so a damaged one in the data folder is not replaced
+    // by some other copy in the working directory. readJsonFile has reported it.
     if (!root || root->is_null())
         return true;
     if (!root->is_object()) {
