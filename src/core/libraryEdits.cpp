@@ -1,6 +1,5 @@
 #include "core/libraryEdits.h"
 
-#include "core/paths.h"
 #include "core/playerState.h"
 #include "library/cache.h"
 #include "library/favorites.h"
@@ -8,6 +7,7 @@
 #include "library/rebuild.h"
 #include "playback/audioSetup.h"
 #include "playback/loading.h"
+#include "util/paths.h"
 
 #include <filesystem>
 

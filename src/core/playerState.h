@@ -1,8 +1,8 @@
 #pragma once
-#include "core/randomSources.h"
 #include "input/hotkeyBinding.h"
 #include "library/records.h"
 #include "playback/engine/handle.h"
+#include "util/randomSources.h"
 
 #include <array>
 #include <atomic>

@@ -1,6 +1,5 @@
 #include "core/shutdown.h"
 
-#include "core/paths.h"
 #include "core/playerState.h"
 #include "display/textures.h"
 #include "gamelink/commandFile.h"
@@ -15,6 +14,7 @@
 #include "playback/fadeWorker.h"
 #include "settings/configFile.h"
 #include "settings/exchangeFiles.h"
+#include "util/paths.h"
 
 void shutdown(PlayerState& st) {
     platform::killTimer(platform::timerRepaint);

@@ -1,7 +1,5 @@
 #include "core/startup.h"
 
-#include "core/log.h"
-#include "core/paths.h"
 #include "core/playerState.h"
 #include "display/textures.h"
 #include "gamelink/commandFile.h"
@@ -22,6 +20,8 @@
 #include "settings/exchangeFiles.h"
 #include "settings/musicSettings.h"
 #include "update/versionCheck.h"
+#include "util/log.h"
+#include "util/paths.h"
 
 #include <filesystem>
 #include <random>

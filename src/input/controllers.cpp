@@ -1,7 +1,7 @@
 #include "input/controllers.h"
 
-#include "core/log.h"
 #include "core/playerState.h"
+#include "util/log.h"
 
 #include <SDL.h>
 

@@ -1,9 +1,9 @@
 #include "library/cache.h"
 
-#include "core/log.h"
 #include "core/playerState.h"
-#include "settings/jsonFile.h"
 #include "settings/musicSettings.h"
+#include "util/jsonFile.h"
+#include "util/log.h"
 
 #include <nlohmann/json.hpp>
 

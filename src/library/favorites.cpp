@@ -1,10 +1,11 @@
 #include "library/favorites.h"
 
-#include "core/log.h"
-#include "core/paths.h"
 #include "core/playerState.h"
 #include "library/model.h"
-#include "settings/jsonRows.h"
+#include "util/ascii.h"
+#include "util/jsonRows.h"
+#include "util/log.h"
+#include "util/paths.h"
 
 #include <charconv>
 #include <fstream>

@@ -1,5 +1,7 @@
 #include "library/folderListing.h"
 
+#include "util/ascii.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -8,14 +10,6 @@
 #include <sys/stat.h>
 
 namespace {
-
-// ASCII letters only: the bytes of a UTF-8 name compare as they are, whatever the locale.
-constexpr std::array<unsigned char, 256> upperAsciiTable = [] {
-    std::array<unsigned char, 256> table{};
-    for (int c = 0; c < 256; ++c)
-        table[c] = static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - ('a' - 'A') : c);
-    return table;
-}();
 
 EntryKind kindOfTarget(int folderFd, const char* name, LinkPolicy links) {
     struct stat target;
@@ -92,21 +86,12 @@ FolderListing listFolder(const std::string& path, LinkPolicy links) {
 bool sortsBefore(std::string_view a, std::string_view b) {
     size_t common = std::min(a.size(), b.size());
     for (size_t i = 0; i < common; ++i) {
-        unsigned char x = upperAsciiTable[static_cast<unsigned char>(a[i])];
-        unsigned char y = upperAsciiTable[static_cast<unsigned char>(b[i])];
+        unsigned char x = static_cast<unsigned char>(toUpperAscii(a[i]));
+        unsigned char y = static_cast<unsigned char>(toUpperAscii(b[i]));
         if (x != y)
             return x < y;
     }
     if (a.size() != b.size())
         return a.size() < b.size();
     return a < b;
-}
-
-std::string_view extensionOfName(std::string_view name) {
-    if (name == "." || name == "..")
-        return {};
-    size_t dot = name.rfind('.');
-    if (dot == std::string_view::npos || dot == 0)
-        return {};
-    return name.substr(dot);
 }

@@ -37,7 +37,3 @@ FolderListing listFolder(const std::string& path, LinkPolicy links);
 
 // Case-insensitive for ASCII letters, then by raw bytes so that the order is total.
 bool sortsBefore(std::string_view a, std::string_view b);
-
-// The extension of a file name with its dot, as std::filesystem::path::extension gives it: empty
-// for a name without a dot and for a name that starts with its only dot (".mid").
-std::string_view extensionOfName(std::string_view name);

@@ -1,8 +1,8 @@
 #include "library/history.h"
 
-#include "core/log.h"
 #include "core/playerState.h"
-#include "settings/jsonRows.h"
+#include "util/jsonRows.h"
+#include "util/log.h"
 
 #include <limits>
 #include <nlohmann/json.hpp>

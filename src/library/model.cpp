@@ -1,20 +1,13 @@
 #include "library/model.h"
 
 #include "core/playerState.h"
+#include "util/ascii.h"
 
 #include <array>
 #include <utility>
 #include <vector>
 
 namespace {
-
-// Byte-wise and ASCII only, so that the bytes of a UTF-8 name pass unchanged whatever the locale.
-char upperAscii(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
-}
-bool isUpperAscii(char c) {
-    return c >= 'A' && c <= 'Z';
-}
 
 constexpr std::array<std::pair<std::string_view, MusicType>, 10> extensionTable{{
     {".midi", musicTypeMidi},
@@ -97,13 +90,6 @@ MusicType classifyExtension(std::string_view extension) {
     return musicTypeUnknown;
 }
 
-std::string extensionOf(std::string_view path) {
-    size_t dot = path.rfind('.');
-    if (dot == std::string_view::npos)
-        return {};
-    return std::string(path.substr(dot));
-}
-
 int favoriteSongTypeOf(MusicType type) {
     switch (type) {
     case musicTypeMidi:
@@ -169,7 +155,7 @@ std::string titleCaseFolder(std::string_view name) {
             result += ' ';
             capitalise = true;
         } else if (capitalise) {
-            result += upperAscii(c);
+            result += toUpperAscii(c);
             capitalise = false;
         } else {
             result += c;
@@ -194,7 +180,7 @@ std::string titleFromPath(std::string_view path) {
         if (title.size() >= limit)
             break;
         if (capitalise) {
-            title += upperAscii(c);
+            title += toUpperAscii(c);
             capitalise = false;
         } else if (c == '_') {
             title += ' ';

@@ -8,8 +8,6 @@ struct PlayerState;
 
 // The family of an extension given with its dot, compared exactly (".MP3" is unknown).
 MusicType classifyExtension(std::string_view extension);
-// From the last "." of the whole path to the end, dot included; empty when there is none.
-std::string extensionOf(std::string_view path);
 // The favourites' numbering of a family: 1 MIDI, 3 MP3, 4 Tracker, 0 anything else.
 int favoriteSongTypeOf(MusicType type);
 

@@ -1,10 +1,11 @@
 #include "library/rebuild.h"
 
-#include "core/log.h"
 #include "core/playerState.h"
 #include "library/cache.h"
 #include "library/folderListing.h"
 #include "library/scan.h"
+#include "util/log.h"
+#include "util/paths.h"
 
 #include <algorithm>
 #include <cstring>

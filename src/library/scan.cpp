@@ -1,12 +1,13 @@
 #include "library/scan.h"
 
-#include "core/log.h"
-#include "core/paths.h"
 #include "core/playerState.h"
 #include "library/cache.h"
 #include "library/favorites.h"
 #include "library/folderListing.h"
 #include "library/model.h"
+#include "util/ascii.h"
+#include "util/log.h"
+#include "util/paths.h"
 
 #include <cstring>
 #include <filesystem>

@@ -1,8 +1,8 @@
 #include "library/stations.h"
 
-#include "core/log.h"
 #include "core/playerState.h"
-#include "settings/jsonRows.h"
+#include "util/jsonRows.h"
+#include "util/log.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "platform/platform.h"
 
-#include "core/log.h"
+#include "util/log.h"
 
 namespace platform {
 namespace {

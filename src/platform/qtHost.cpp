@@ -1,12 +1,12 @@
 #include "platform/qtHost.h"
 
-#include "core/log.h"
 #include "core/playerState.h"
 #include "core/shutdown.h"
 #include "core/startup.h"
 #include "core/windowEvents.h"
 #include "platform/qtCanvas.h"
 #include "platform/qtSignals.h"
+#include "util/log.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -1,6 +1,6 @@
 #include "platform/qtSignals.h"
 
-#include "core/log.h"
+#include "util/log.h"
 
 #include <QGuiApplication>
 #include <QSessionManager>

@@ -1,11 +1,11 @@
 #include "playback/audioSetup.h"
 
-#include "core/log.h"
 #include "core/playerState.h"
 #include "platform/platform.h"
 #include "playback/engine/engine.h"
 #include "playback/loading.h"
 #include "playback/soundfonts.h"
+#include "util/log.h"
 
 namespace {
 

@@ -1,6 +1,5 @@
 #include "playback/crossfade.h"
 
-#include "core/log.h"
 #include "core/playerState.h"
 #include "playback/audioSetup.h"
 #include "playback/engine/engine.h"
@@ -9,6 +8,7 @@
 #include "playback/soundfonts.h"
 #include "radio/segments.h"
 #include "radio/walks.h"
+#include "util/log.h"
 
 namespace {
 

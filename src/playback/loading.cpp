@@ -1,12 +1,12 @@
 #include "playback/loading.h"
 
-#include "core/log.h"
 #include "core/playerState.h"
 #include "library/model.h"
 #include "playback/engine/engine.h"
 #include "playback/tags.h"
 #include "radio/segments.h"
 #include "radio/selection.h"
+#include "util/log.h"
 
 namespace {
 

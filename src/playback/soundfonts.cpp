@@ -1,11 +1,11 @@
 #include "playback/soundfonts.h"
 
-#include "core/paths.h"
 #include "core/playerState.h"
 #include "library/rebuild.h"
 #include "platform/platform.h"
 #include "playback/engine/engine.h"
 #include "settings/configFile.h"
+#include "util/paths.h"
 
 #include <random>
 

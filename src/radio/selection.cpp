@@ -3,6 +3,7 @@
 #include "core/playerState.h"
 #include "library/model.h"
 #include "playback/audioSetup.h"
+#include "util/paths.h"
 
 #include <algorithm>
 #include <cstddef>

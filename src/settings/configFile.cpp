@@ -1,9 +1,9 @@
 #include "settings/configFile.h"
 
-#include "core/log.h"
-#include "core/paths.h"
 #include "core/playerState.h"
-#include "settings/jsonRows.h"
+#include "util/jsonRows.h"
+#include "util/log.h"
+#include "util/paths.h"
 
 #include <fstream>
 #include <nlohmann/json.hpp>

@@ -1,9 +1,9 @@
 #include "settings/musicSettings.h"
 
-#include "core/log.h"
-#include "core/paths.h"
 #include "core/playerState.h"
-#include "settings/jsonFile.h"
+#include "util/jsonFile.h"
+#include "util/log.h"
+#include "util/paths.h"
 
 #include <array>
 #include <cmath>

@@ -1,9 +1,9 @@
 #include "core/startup.h"
 
-#include "core/paths.h"
 #include "core/playerState.h"
 #include "library/model.h"
 #include "support/startedPlayer.h"
+#include "util/paths.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

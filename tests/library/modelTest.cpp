@@ -2,6 +2,7 @@
 
 #include "core/playerState.h"
 #include "radio/selectionTestSupport.h"
+#include "util/paths.h"
 
 #include <gtest/gtest.h>
 

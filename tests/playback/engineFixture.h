@@ -6,6 +6,7 @@
 #include "playback/engine/decoder.h"
 #include "playback/engine/engine.h"
 #include "support/tempDir.h"
+#include "util/paths.h"
 
 #include <algorithm>
 #include <cctype>

@@ -5,9 +5,9 @@
 #include "library/model.h"
 #include "playback/audioSetup.h"
 #include "playback/soundfonts.h"
-#include "settings/jsonFile.h"
 #include "support/currentDirectory.h"
 #include "support/recordingPlatform.h"
+#include "util/jsonFile.h"
 
 #include <filesystem>
 #include <fstream>

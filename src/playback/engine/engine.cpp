@@ -1,10 +1,11 @@
 #include "playback/engine/engine.h"
 
-#include "core/log.h"
-#include "core/paths.h"
 #include "playback/engine/channel.h"
 #include "playback/engine/mixer.h"
 #include "playback/engine/outputs.h"
+#include "util/ascii.h"
+#include "util/log.h"
+#include "util/paths.h"
 
 #include <algorithm>
 #include <chrono>
@@ -113,14 +114,6 @@ void Engine::shutDownLocked() {
     initialized = false;
 }
 
-std::string lowerExtension(const std::string& path) {
-    std::size_t dot = path.find_last_of('.');
-    std::size_t slash = path.find_last_of('/');
-    if (dot == std::string::npos || (slash != std::string::npos && dot < slash))
-        return {};
-    return asciiLower(path.substr(dot));
-}
-
 // The decoder role a file needs, empty when the core decoders serve it.
 std::string roleOf(const std::string& ext) {
     if (ext == ".mid" || ext == ".midi")
@@ -171,7 +164,7 @@ ChannelHandle createChannel(const std::string& path, bool module) {
     std::lock_guard lock(e.lifecycle);
     if (!e.initialized)
         return fail(EngineError::Init, ChannelHandle{0});
-    std::string role = module ? std::string() : roleOf(lowerExtension(path));
+    std::string role = module ? std::string() : roleOf(asciiLower(extensionOf(fileNameOf(path))));
     if (!role.empty() && !e.roles.count(role)) {
         logOut("No %s decoder is loaded for %s\n", role.c_str(), path.c_str());
         return fail(EngineError::FileFormat, ChannelHandle{0});

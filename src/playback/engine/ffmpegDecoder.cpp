@@ -1,7 +1,7 @@
 // MP3, M4A (AAC), FLAC and anything else FFmpeg opens with an audio stream, resampled to the
 // engine's interleaved stereo float at 44100 Hz.
-#include "core/log.h"
 #include "playback/engine/decoder.h"
+#include "util/log.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>

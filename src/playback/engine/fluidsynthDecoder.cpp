@@ -1,6 +1,6 @@
 // MIDI through FluidSynth: one synth and one player per stream, fonts shared between streams.
-#include "core/log.h"
 #include "playback/engine/decoder.h"
+#include "util/log.h"
 
 #include <algorithm>
 #include <array>

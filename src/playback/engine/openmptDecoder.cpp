@@ -1,5 +1,5 @@
-#include "core/log.h"
 #include "playback/engine/decoder.h"
+#include "util/log.h"
 
 #include <algorithm>
 #include <cerrno>

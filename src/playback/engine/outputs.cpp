@@ -1,8 +1,8 @@
 #include "playback/engine/outputs.h"
 
-#include "core/log.h"
 #include "playback/engine/decoder.h"
 #include "playback/engine/mixer.h"
+#include "util/log.h"
 
 #include <SDL.h>
 #include <mutex>

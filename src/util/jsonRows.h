@@ -1,5 +1,5 @@
 #pragma once
-#include "settings/jsonFile.h"
+#include "util/jsonFile.h"
 
 #include <nlohmann/json.hpp>
 #include <string>

@@ -1,4 +1,4 @@
-#include "core/paths.h"
+#include "util/paths.h"
 
 #include <filesystem>
 

@@ -1,6 +1,6 @@
-#include "settings/jsonFile.h"
+#include "util/jsonFile.h"
 
-#include "core/log.h"
+#include "util/log.h"
 
 #include <cerrno>
 #include <cmath>
