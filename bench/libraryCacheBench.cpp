@@ -2,6 +2,7 @@
 // start-up's first long step, saving it the exit's; what the loaded library keeps in memory
 // stays for the whole run. argv[1] ends in the figure's name, which picks the figure.
 #include "benchSupport.h"
+#include "core/libraryEdits.h"
 #include "core/playerState.h"
 #include "library/cache.h"
 

@@ -1,12 +1,14 @@
 #include "core/libraryEdits.h"
 
 #include "core/playerState.h"
+#include "core/transport.h"
 #include "library/cache.h"
 #include "library/favorites.h"
 #include "library/model.h"
 #include "library/rebuild.h"
+#include "library/scan.h"
 #include "playback/audioSetup.h"
-#include "playback/loading.h"
+#include "settings/musicSettings.h"
 #include "util/paths.h"
 
 #include <filesystem>
@@ -31,6 +33,23 @@ void rescanKeepingFavorites(PlayerState& st, bool readOlderFile) {
 }
 
 } // namespace
+
+void saveLibraryCache(PlayerState& st) {
+    writeLibraryCache(st);
+    // Until the start-up has read the stored settings, the working fields hold defaults.
+    if (!st.settingsSaveHeld)
+        saveMusicSettings(st);
+}
+
+void rebuildLibrary(PlayerState& st) {
+    scanAllRoots(st);
+    saveLibraryCache(st);
+}
+
+void scanDefaultFolder(PlayerState& st) {
+    scanDefaultMusicFolder(st);
+    saveLibraryCache(st);
+}
 
 void rescanLibrary(PlayerState& st) {
     if (st.directoryPaths.empty())

@@ -1,15 +1,15 @@
 #include "core/shutdown.h"
 
+#include "core/hostPort.h"
+#include "core/libraryEdits.h"
 #include "core/playerState.h"
 #include "display/textures.h"
 #include "gamelink/commandFile.h"
 #include "input/controllers.h"
 #include "input/hotkeys.h"
-#include "library/cache.h"
 #include "library/favorites.h"
 #include "library/history.h"
 #include "library/stations.h"
-#include "platform/platform.h"
 #include "playback/audioSetup.h"
 #include "playback/fadeWorker.h"
 #include "settings/configFile.h"
@@ -17,12 +17,9 @@
 #include "util/paths.h"
 
 void shutdown(PlayerState& st) {
-    platform::killTimer(platform::timerRepaint);
-    platform::killTimer(platform::timerVolumeLatch);
-    platform::killTimer(platform::timerPoll);
-    // The host owns the back buffer; the logic lets go of it.
-    st.backBufferBitmap = nullptr;
-    st.backBufferDC = nullptr;
+    host::killTimer(host::timerRepaint);
+    host::killTimer(host::timerVolumeLatch);
+    host::killTimer(host::timerPoll);
     unregisterHotkeys(st);
     releaseTextures(st);
     saveColorsIfMissing(st);

@@ -1,6 +1,11 @@
 #include "core/startup.h"
 
+#include "core/audioStart.h"
+#include "core/hostPort.h"
+#include "core/libraryEdits.h"
 #include "core/playerState.h"
+#include "core/transport.h"
+#include "display/pathLine.h"
 #include "display/textures.h"
 #include "gamelink/commandFile.h"
 #include "input/controllers.h"
@@ -12,10 +17,7 @@
 #include "library/rebuild.h"
 #include "library/scan.h"
 #include "library/stations.h"
-#include "platform/platform.h"
 #include "playback/audioSetup.h"
-#include "playback/loading.h"
-#include "playback/soundfonts.h"
 #include "settings/configFile.h"
 #include "settings/exchangeFiles.h"
 #include "settings/musicSettings.h"
@@ -107,8 +109,9 @@ void buildListEntries(PlayerState& st) {
 }
 
 void onMainWindowCreated(PlayerState& st) {
+    // The Update dialog that a newer version opens comes with the dialogs.
     if (st.versionCheck)
-        runStartupVersionCheck(st);
+        runStartupVersionCheck();
 }
 
 void runEarlyStartup(PlayerState& st) {
@@ -125,7 +128,7 @@ void runStartupSequence(PlayerState& st) {
     st.libraryCachePath = joinPath(st.dataDirectory, "/musicLibraryCache.json");
     loadFromDataOrBare(st, "InternetStations.json", loadStations);
     st.stationCount = static_cast<int>(st.radioStations.size());
-    loadAudioPlugins(st);
+    loadAudioPlugins();
     initAudioAtStartup(st);
 
     // The default scan below saves the library before the stored settings have been read.
@@ -175,8 +178,8 @@ void runStartupSequence(PlayerState& st) {
 }
 
 void startMainTimers() {
-    platform::setTimer(platform::timerRepaint, 250);
-    platform::setTimer(platform::timerVolumeLatch, 100);
-    platform::setTimer(platform::timerPoll, 30);
-    platform::setTimer(platform::timerStationTags, 5000);
+    host::setTimer(host::timerRepaint, 250);
+    host::setTimer(host::timerVolumeLatch, 100);
+    host::setTimer(host::timerPoll, 30);
+    host::setTimer(host::timerStationTags, 5000);
 }

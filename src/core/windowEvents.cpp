@@ -1,16 +1,16 @@
 #include "core/windowEvents.h"
 
+#include "core/hostPort.h"
 #include "core/playerState.h"
 #include "core/transport.h"
 #include "display/plainScreen.h"
-#include "platform/platform.h"
 #include "playback/tags.h"
 #include "radio/segments.h"
 
 namespace {
 
 // A strip of the base layout in pixels, each value scaled and truncated.
-platform::Rect strip(const PlayerState& st, int left, int top, int width, int height) {
+host::Rect strip(const PlayerState& st, int left, int top, int width, int height) {
     int x = static_cast<int>(left * st.scaleX);
     int y = static_cast<int>(top * st.scaleY);
     return {x, y, x + static_cast<int>(width * st.scaleX),
@@ -18,17 +18,17 @@ platform::Rect strip(const PlayerState& st, int left, int top, int width, int he
 }
 
 void onRepaintTick(PlayerState& st) {
-    platform::Rect seek = strip(st, 5, 2, 490, 10);
-    platform::invalidate(&seek, false);
-    platform::Rect text = strip(st, 20, 70, 500, 70);
-    platform::invalidate(&text, false);
+    host::Rect seek = strip(st, 5, 2, 490, 10);
+    host::invalidate(&seek, false);
+    host::Rect text = strip(st, 20, 70, 500, 70);
+    host::invalidate(&text, false);
     if (st.lcdDirty) {
-        platform::Rect lcd = strip(st, 1, 10, 490, 125);
-        platform::invalidate(&lcd, false);
+        host::Rect lcd = strip(st, 1, 10, 490, 125);
+        host::invalidate(&lcd, false);
         st.lcdDirty = false;
     }
     if (st.buttonsDirty) {
-        platform::invalidate(nullptr, true);
+        host::invalidate(nullptr, true);
         st.buttonsDirty = false;
     }
     // A minimised or hidden window gets no repaint; the radio moves on from the tick instead,
@@ -49,7 +49,7 @@ void onStationTagsTick(PlayerState& st) {
 }
 
 void onVolumeTextTimeout(PlayerState& st) {
-    platform::killTimer(platform::timerVolumeText);
+    host::killTimer(host::timerVolumeText);
     st.volumeTextShown = false;
     st.volumeTimerArmed = false;
     st.lcdDirty = true;
@@ -59,13 +59,13 @@ void onVolumeTextTimeout(PlayerState& st) {
 
 void onTimer(PlayerState& st, int id) {
     switch (id) {
-    case platform::timerRepaint:
+    case host::timerRepaint:
         onRepaintTick(st);
         break;
-    case platform::timerStationTags:
+    case host::timerStationTags:
         onStationTagsTick(st);
         break;
-    case platform::timerVolumeText:
+    case host::timerVolumeText:
         onVolumeTextTimeout(st);
         break;
     default:

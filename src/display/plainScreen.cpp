@@ -1,7 +1,7 @@
 #include "display/plainScreen.h"
 
-#include "core/playerState.h"
 #include "display/canvas.h"
+#include "display/displayState.h"
 
 namespace {
 Color colorOf(int r, int g, int b) {
@@ -10,7 +10,7 @@ Color colorOf(int r, int g, int b) {
 }
 } // namespace
 
-void paintPlainScreen(PlayerState& st, Canvas& canvas) {
+void paintPlainScreen(DisplayState& st, Canvas& canvas) {
     const int w = canvas.width();
     const int h = canvas.height();
     const Color text = colorOf(st.textR, st.textG, st.textB);

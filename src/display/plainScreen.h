@@ -1,8 +1,8 @@
 #pragma once
 
 class Canvas;
-struct PlayerState;
+struct DisplayState;
 
 // The window until the painted player screen exists: the background, an LCD strip, the
 // headline and the title of the song on show.
-void paintPlainScreen(PlayerState& st, Canvas& canvas);
+void paintPlainScreen(DisplayState& st, Canvas& canvas);

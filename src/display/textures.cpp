@@ -1,12 +1,12 @@
 #include "display/textures.h"
 
-#include "core/playerState.h"
+#include "display/displayState.h"
 
 // Textures and colour schemes arrive with the painted screen; the plain window needs none.
-void loadStartupTextures(PlayerState&) {}
+void loadStartupTextures(DisplayState&) {}
 
-void loadNamedTextures(PlayerState&) {}
+void loadNamedTextures(DisplayState&) {}
 
-void applyRandomColorScheme(PlayerState&) {}
+void applyRandomColorScheme(DisplayState&) {}
 
-void releaseTextures(PlayerState&) {}
+void releaseTextures(DisplayState&) {}

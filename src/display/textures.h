@@ -1,14 +1,14 @@
 #pragma once
 
-struct PlayerState;
+struct DisplayState;
 
 enum class TextureSlot { Background, Lcd };
 
 // Lists the "textures" folder and loads "Leather" and "LCD" when they are there.
-void loadStartupTextures(PlayerState& st);
+void loadStartupTextures(DisplayState& st);
 // Loads the textures that the settings name into their slots.
-void loadNamedTextures(PlayerState& st);
+void loadNamedTextures(DisplayState& st);
 // Copies a colour scheme drawn with rand() into the colour settings when randomColorPlayer is on.
-void applyRandomColorScheme(PlayerState& st);
+void applyRandomColorScheme(DisplayState& st);
 // Frees the loaded texture bitmaps and clears their slots.
-void releaseTextures(PlayerState& st);
+void releaseTextures(DisplayState& st);

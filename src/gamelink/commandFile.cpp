@@ -1,6 +1,6 @@
 #include "gamelink/commandFile.h"
 
-#include "core/playerState.h"
+#include "gamelink/gameLinkState.h"
 
 // The game link's files come with the command file protocol.
-void writeMusicRunning(const PlayerState&, const std::string&) {}
+void writeMusicRunning(const GameLinkState&, const std::string&) {}

@@ -1,7 +1,7 @@
 #pragma once
 #include <string>
 
-struct PlayerState;
+struct GameLinkState;
 
 // Tells the game whether the player runs: "yes" at start-up, "no" as the last act of shutdown.
-void writeMusicRunning(const PlayerState& st, const std::string& text);
+void writeMusicRunning(const GameLinkState& st, const std::string& text);

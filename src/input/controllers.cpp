@@ -1,38 +1,43 @@
 #include "input/controllers.h"
 
-#include "core/playerState.h"
+#include "input/controllerPort.h"
+#include "input/inputState.h"
 #include "util/log.h"
 
-#include <SDL.h>
+namespace {
+// The controllers are the machine's, one set per process like the window system.
+ControllerPort* installed = nullptr;
+} // namespace
 
-void openControllers(PlayerState& st) {
-    // SDL would otherwise install its own SIGINT/SIGTERM handlers and swallow them.
-    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-    if (SDL_InitSubSystem(SDL_INIT_GAMECONTROLLER) != 0) {
-        logOut("SDL could not initialize! SDL Error: %s\n", SDL_GetError());
+ControllerPort* installControllerPort(ControllerPort* port) {
+    ControllerPort* previous = installed;
+    installed = port;
+    return previous;
+}
+
+ControllerPort* controllerPort() {
+    return installed;
+}
+
+void openControllers(InputState& st) {
+    if (!installed)
+        return;
+    std::string error;
+    if (!installed->start(error)) {
+        logOut("SDL could not initialize! SDL Error: %s\n", error.c_str());
         return;
     }
-    st.controllerCount = SDL_NumJoysticks();
+    st.controllerCount = installed->joystickCount();
     for (int i = 0; i < st.controllerCount && i < maxControllers; ++i) {
-        if (!SDL_IsGameController(i))
-            continue;
-        SDL_GameController* controller = SDL_GameControllerOpen(i);
-        if (!controller)
-            continue;
-        st.controllerHandles[i] = controller;
-        const char* name = SDL_GameControllerName(controller);
-        st.controllerNames[i] = name ? name : "";
+        std::string name;
+        if (installed->open(i, name))
+            st.controllerNames[i] = name;
     }
 }
 
-void closeControllers(PlayerState& st) {
-    bool wasOpen = SDL_WasInit(SDL_INIT_GAMECONTROLLER) != 0;
-    for (int i = 0; i < maxControllers; ++i) {
-        st.controllerNames[i].clear();
-        if (st.controllerHandles[i])
-            SDL_GameControllerClose(static_cast<SDL_GameController*>(st.controllerHandles[i]));
-        st.controllerHandles[i] = nullptr;
-    }
-    if (wasOpen)
-        SDL_QuitSubSystem(SDL_INIT_GAMECONTROLLER);
+void closeControllers(InputState& st) {
+    for (std::string& name : st.controllerNames)
+        name.clear();
+    if (installed)
+        installed->closeAll();
 }

@@ -1,12 +1,12 @@
 #include "input/hotkeys.h"
 
-#include "core/playerState.h"
+#include "input/inputState.h"
 
 // Key bindings come with the action table; until then the table keeps its empty rows.
-bool loadHotkeys(PlayerState&, const std::string&) {
+bool loadHotkeys(InputState&, const std::string&) {
     return false;
 }
 
-void registerHotkeys(PlayerState&) {}
+void registerHotkeys(InputState&) {}
 
-void unregisterHotkeys(PlayerState&) {}
+void unregisterHotkeys(InputState&) {}

@@ -1,7 +1,6 @@
 #include "library/cache.h"
 
-#include "core/playerState.h"
-#include "settings/musicSettings.h"
+#include "library/libraryState.h"
 #include "util/jsonFile.h"
 #include "util/log.h"
 
@@ -316,7 +315,7 @@ std::string describe(const Damage& damage) {
 
 } // namespace
 
-std::vector<Playlist> loadLibraryCache(PlayerState& st) {
+std::vector<Playlist> loadLibraryCache(LibraryState& st) {
     CacheReader reader;
     JsonRead read = readJsonEvents(st.libraryCachePath, reader);
     if (read == JsonRead::Missing)
@@ -352,7 +351,7 @@ void appendNumber(std::string& out, int indent, const char* key, int value, bool
 
 // The text is made here rather than through a document: a library of 100,000 songs would first
 // become a document of several times its size. Keys stand in the sorted order of the documents.
-void saveLibraryCache(PlayerState& st) {
+void writeLibraryCache(const LibraryState& st) {
     std::string text;
     std::size_t estimate = 0;
     for (const Playlist& playlist : st.playlists)
@@ -400,7 +399,4 @@ void saveLibraryCache(PlayerState& st) {
     text += text.empty() ? "null" : "\n    ]\n}";
     if (!writeJsonText(st.libraryCachePath, text))
         logErr("Failed to open %s for writing.\n", st.libraryCachePath.c_str());
-    // Until the start-up has read the stored settings, the working fields hold defaults.
-    if (!st.settingsSaveHeld)
-        saveMusicSettings(st);
 }

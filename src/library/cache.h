@@ -3,9 +3,9 @@
 
 #include <vector>
 
-struct PlayerState;
+struct LibraryState;
 
 // The library as musicLibraryCache.json holds it; empty when the file is missing.
-std::vector<Playlist> loadLibraryCache(PlayerState& st);
-// Writes the library to libraryCachePath, then the music settings.
-void saveLibraryCache(PlayerState& st);
+std::vector<Playlist> loadLibraryCache(LibraryState& st);
+// Writes the library to libraryCachePath (the settings go with it: saveLibraryCache).
+void writeLibraryCache(const LibraryState& st);

@@ -1,6 +1,6 @@
 #include "library/favorites.h"
 
-#include "core/playerState.h"
+#include "library/libraryState.h"
 #include "library/model.h"
 #include "util/ascii.h"
 #include "util/jsonRows.h"
@@ -50,7 +50,7 @@ bool readCifNumber(const std::string& line, int& out) {
 
 } // namespace
 
-void rebuildFavorites(PlayerState& st) {
+void rebuildFavorites(LibraryState& st) {
     st.favorites.clear();
     for (std::size_t p = 0; p < st.playlists.size(); ++p) {
         const std::vector<Song>& songs = st.playlists[p].songs;
@@ -62,7 +62,7 @@ void rebuildFavorites(PlayerState& st) {
     }
 }
 
-void saveFavoritesFile(const PlayerState& st, const std::string& path) {
+void saveFavoritesFile(const LibraryState& st, const std::string& path) {
     Json root; // null without rows
     for (const FavoriteEntry& row : st.favorites)
         root["favorites"].push_back({{"favoriteCount", row.favoriteCount},
@@ -74,7 +74,7 @@ void saveFavoritesFile(const PlayerState& st, const std::string& path) {
         logErr("Failed to open %s for writing.\n", path.c_str());
 }
 
-void mergeFavoritesFile(PlayerState& st, const std::string& path) {
+void mergeFavoritesFile(LibraryState& st, const std::string& path) {
     JsonRead read;
     std::optional<Json> root = readJsonFile(path, &read);
     if (read == JsonRead::Missing)
@@ -96,12 +96,12 @@ void mergeFavoritesFile(PlayerState& st, const std::string& path) {
             st.favorites.push_back(std::move(row));
 }
 
-void checkFavoriteFile(PlayerState& st, const std::string& path) {
+void checkFavoriteFile(LibraryState& st, const std::string& path) {
     if (fileNameOf(path) == "favorite.json")
         mergeFavoritesFile(st, path);
 }
 
-void loadOlderFavorites(PlayerState& st) {
+void loadOlderFavorites(LibraryState& st) {
     std::ifstream in(joinPath(st.dataDirectory, "/favoriteMusic.cif"), std::ios::binary);
     if (!in) {
         logErr("Failed to open favoriteMusic.cif for reading.\n");
@@ -135,7 +135,7 @@ void loadOlderFavorites(PlayerState& st) {
     logOut("Favorites loaded from favoriteMusic.cif.\n");
 }
 
-void applyFavorites(PlayerState& st, const std::vector<FavoriteEntry>& rows) {
+void applyFavorites(LibraryState& st, const std::vector<FavoriteEntry>& rows) {
     if (rows.empty())
         return;
     // Each lower-cased file name leads to the first song of that name in every playlist, so a
@@ -166,7 +166,7 @@ void applyFavorites(PlayerState& st, const std::vector<FavoriteEntry>& rows) {
     }
 }
 
-void clearAllFavorites(PlayerState& st) {
+void clearAllFavorites(LibraryState& st) {
     for (RadioStation& station : st.radioStations)
         station.favorite = station.favoriteCount = 0;
     for (Playlist& playlist : st.playlists) {

@@ -1,6 +1,6 @@
 #include "library/history.h"
 
-#include "core/playerState.h"
+#include "library/libraryState.h"
 #include "util/jsonRows.h"
 #include "util/log.h"
 
@@ -34,7 +34,7 @@ bool readRow(const nlohmann::json& element, HistoryEntry& row) {
 
 } // namespace
 
-void loadSongHistory(PlayerState& st, const std::string& path) {
+void loadSongHistory(LibraryState& st, const std::string& path) {
     JsonRead read;
     std::optional<nlohmann::json> root = readJsonFile(path, &read);
     if (read == JsonRead::Missing)
@@ -52,7 +52,7 @@ void loadSongHistory(PlayerState& st, const std::string& path) {
     st.songHistory = readJsonRows<HistoryEntry>(*songs, path, "rows", readRow);
 }
 
-void saveSongHistory(const PlayerState& st, const std::string& path) {
+void saveSongHistory(const LibraryState& st, const std::string& path) {
     std::size_t first =
         st.songHistory.size() > maxSavedRows ? st.songHistory.size() - maxSavedRows : 0;
     nlohmann::json root; // null until the first row
@@ -66,7 +66,7 @@ void saveSongHistory(const PlayerState& st, const std::string& path) {
         logErr("Failed to open %s for writing.\n", path.c_str());
 }
 
-void clearSongHistory(PlayerState& st) {
+void clearSongHistory(LibraryState& st) {
     st.songHistory.clear();
     st.historyEnd = 0;
     st.historyPosition = 0;

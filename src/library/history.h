@@ -1,12 +1,12 @@
 #pragma once
 #include <string>
 
-struct PlayerState;
+struct LibraryState;
 
 // Reads "Song History.json" at path into songHistory; a missing file leaves it as it is, a row
 // that cannot be read is dropped.
-void loadSongHistory(PlayerState& st, const std::string& path);
+void loadSongHistory(LibraryState& st, const std::string& path);
 // Writes the newest 10,000 rows at most ("null" without rows).
-void saveSongHistory(const PlayerState& st, const std::string& path);
+void saveSongHistory(const LibraryState& st, const std::string& path);
 // Empties the history; the file follows at exit.
-void clearSongHistory(PlayerState& st);
+void clearSongHistory(LibraryState& st);

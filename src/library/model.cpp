@@ -1,6 +1,6 @@
 #include "library/model.h"
 
-#include "core/playerState.h"
+#include "library/libraryState.h"
 #include "util/ascii.h"
 
 #include <array>
@@ -21,65 +21,6 @@ constexpr std::array<std::pair<std::string_view, MusicType>, 10> extensionTable{
     {".it", musicTypeTracker},
     {".mtm", musicTypeTracker},
 }};
-
-std::string familyWord(const PlayerState& st, MusicType type) {
-    switch (type) {
-    case musicTypeMidi:
-        return "MIDI";
-    case musicTypeMp3:
-        return "MP3";
-    case musicTypeTracker:
-        return "Tracker";
-    case musicTypeStation:
-        return st.stationName;
-    default:
-        return "Unknown Music Type";
-    }
-}
-
-// The folders and the file name of a path below its root, "\" taken as "/" too.
-std::vector<std::string_view> pathPieces(std::string_view rest, std::string& buffer) {
-    buffer.assign(rest);
-    for (char& c : buffer)
-        if (c == '\\')
-            c = '/';
-    std::vector<std::string_view> pieces;
-    std::string_view all = buffer;
-    size_t start = 0;
-    while (start <= all.size()) {
-        size_t slash = all.find('/', start);
-        if (slash == std::string_view::npos)
-            slash = all.size();
-        if (slash > start)
-            pieces.push_back(all.substr(start, slash - start));
-        start = slash + 1;
-    }
-    return pieces;
-}
-
-void setHeadline(PlayerState& st, const std::string& folderTitle) {
-    switch (st.stationMode) {
-    case 0:
-        st.lcdTitle = folderTitle;
-        break;
-    case 1:
-        st.lcdTitle = "Marble Tunnel Radio";
-        break;
-    case 2:
-        st.lcdTitle = "Marble Tunnel: Top 40: All Hits, All the Time";
-        break;
-    case 3:
-        st.lcdTitle = "Marble Tunnel: Undiscovered Tracks";
-        break;
-    case 4:
-        st.lcdTitle = st.stationName;
-        break;
-    default:
-        break;
-    }
-    if (st.lcdTitle.size() > 255)
-        st.lcdTitle.resize(255);
-}
 
 } // namespace
 
@@ -103,7 +44,7 @@ int favoriteSongTypeOf(MusicType type) {
     }
 }
 
-void recountLibrary(PlayerState& st) {
+void recountLibrary(LibraryState& st) {
     st.stationCount = static_cast<int>(st.radioStations.size());
     st.midiSongCount = 0;
     st.mp3SongCount = 0;
@@ -195,50 +136,13 @@ std::string titleFromPath(std::string_view path) {
     return title;
 }
 
-std::string displayPath(PlayerState& st, std::string_view songPath, MusicType musicType) {
-    if (st.directoryPaths.empty() && !st.onStation) {
-        st.lcdTitle = "Marble Tunnel Radio: No Music Directory";
-        return "Marble Tunnel Radio: Add your music directories";
-    }
-    std::string_view rest = songPath;
-    for (const std::string& root : st.directoryPaths) {
-        if (rest.starts_with(root)) {
-            rest.remove_prefix(root.size());
-            break;
-        }
-    }
-    std::string buffer;
-    std::vector<std::string_view> pieces = pathPieces(rest, buffer);
-
-    std::string line = familyWord(st, musicType);
-    if (st.stationMode == 4 || musicType == musicTypeStation)
-        line += " > " + st.stationGenre;
-    if (!st.onStation && st.totalSongCount < 1)
-        return line;
-    if (pieces.size() <= 1)
-        return line;
-
-    for (size_t i = 0; i + 1 < pieces.size(); ++i) {
-        std::string piece(pieces[i]);
-        if (musicType != musicTypeStation) {
-            piece = titleCaseFolder(piece);
-            if (i == 0)
-                st.currentFolderTitle = piece;
-            line += " > " + piece;
-        }
-        if (i == 0)
-            setHeadline(st, piece);
-    }
-    return line;
-}
-
-void appendHistory(PlayerState& st, int songType, int songIndex, int plistIndex) {
+void appendHistory(LibraryState& st, int songType, int songIndex, int plistIndex) {
     st.songHistory.push_back({songType, songIndex, plistIndex});
     st.historyPosition = st.historyEnd;
     st.historyEnd += 1;
 }
 
-const Song* findSong(const PlayerState& st, SongRef ref) {
+const Song* findSong(const LibraryState& st, SongRef ref) {
     if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size()))
         return nullptr;
     const std::vector<Song>& songs = st.playlists[ref.plistIndex].songs;

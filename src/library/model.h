@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-struct PlayerState;
+struct LibraryState;
 
 // The family of an extension given with its dot, compared exactly (".MP3" is unknown).
 MusicType classifyExtension(std::string_view extension);
@@ -12,18 +12,14 @@ MusicType classifyExtension(std::string_view extension);
 int favoriteSongTypeOf(MusicType type);
 
 // Recomputes the counters from the library and zeroes the ratio of every empty family.
-void recountLibrary(PlayerState& st);
+void recountLibrary(LibraryState& st);
 
 // "my_old.songs" -> "My Old Songs"; a blank does not start a new word.
 std::string titleCaseFolder(std::string_view name);
 // "my_oldSong.mid" -> "My Old Song"; at most 254 bytes.
 std::string titleFromPath(std::string_view path);
-// The path line of the player screen, "MP3 > Rock > Old Hits"; also sets lcdTitle and
-// currentFolderTitle.
-std::string displayPath(PlayerState& st, std::string_view songPath, MusicType musicType);
-
 // The song a reference names, or null when it names none (a stale reference after a rescan).
-const Song* findSong(const PlayerState& st, SongRef ref);
+const Song* findSong(const LibraryState& st, SongRef ref);
 
 // Appends a history row and makes it the one that plays.
-void appendHistory(PlayerState& st, int songType, int songIndex, int plistIndex);
+void appendHistory(LibraryState& st, int songType, int songIndex, int plistIndex);

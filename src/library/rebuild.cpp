@@ -1,8 +1,8 @@
 #include "library/rebuild.h"
 
-#include "core/playerState.h"
 #include "library/cache.h"
 #include "library/folderListing.h"
+#include "library/libraryState.h"
 #include "library/scan.h"
 #include "util/log.h"
 #include "util/paths.h"
@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <cstring>
 
-void scanAllRoots(PlayerState& st) {
+void scanAllRoots(LibraryState& st) {
     st.playlists.clear();
     st.scanSongCount = 0;
     st.scanPlaylistCount = 0;
@@ -19,11 +19,6 @@ void scanAllRoots(PlayerState& st) {
         st.playlists.insert(st.playlists.end(), std::make_move_iterator(found.begin()),
                             std::make_move_iterator(found.end()));
     }
-}
-
-void rebuildLibrary(PlayerState& st) {
-    scanAllRoots(st);
-    saveLibraryCache(st);
 }
 
 namespace {

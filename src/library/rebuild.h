@@ -4,12 +4,10 @@
 #include <string>
 #include <vector>
 
-struct PlayerState;
+struct LibraryState;
 
 // Replaces the library by the scan of every root in directoryPaths, in order.
-void scanAllRoots(PlayerState& st);
-// scanAllRoots, then saves the library cache and the settings.
-void rebuildLibrary(PlayerState& st);
+void scanAllRoots(LibraryState& st);
 
 // The root folders a library was scanned from, as far as its song paths tell (a song lies in
 // ROOT/ALBUM/...), in the order of their first playlist.

@@ -1,9 +1,9 @@
 #include "library/scan.h"
 
-#include "core/playerState.h"
 #include "library/cache.h"
 #include "library/favorites.h"
 #include "library/folderListing.h"
+#include "library/libraryState.h"
 #include "library/model.h"
 #include "util/ascii.h"
 #include "util/log.h"
@@ -24,7 +24,7 @@ MusicType songTypeOfName(std::string_view name) {
     return classifyExtension(asciiLower(std::string(extensionOfName(name))));
 }
 
-void addFile(PlayerState& st, const std::string& path, std::string_view name, Playlist& playlist) {
+void addFile(LibraryState& st, const std::string& path, std::string_view name, Playlist& playlist) {
     checkFavoriteFile(st, path);
     MusicType type = songTypeOfName(name);
     if (type == musicTypeUnknown)
@@ -39,7 +39,7 @@ void addFile(PlayerState& st, const std::string& path, std::string_view name, Pl
 // Depth first, a sub-folder's songs where the sub-folder sorts among the files. path is the
 // folder on entry and is given back unchanged; it grows in place to spare an allocation a file.
 // An unreadable folder loses only its own songs: the walk goes on with its siblings.
-void walkFolder(PlayerState& st, std::string& path, Playlist& playlist) {
+void walkFolder(LibraryState& st, std::string& path, Playlist& playlist) {
     FolderListing listing = listFolder(path, LinkPolicy::FilesOnly);
     if (listing.error != 0)
         reportUnreadable(path, listing.error);
@@ -60,7 +60,7 @@ void walkFolder(PlayerState& st, std::string& path, Playlist& playlist) {
 
 } // namespace
 
-std::vector<Playlist> scanRoot(PlayerState& st, const std::string& root) {
+std::vector<Playlist> scanRoot(LibraryState& st, const std::string& root) {
     struct stat info;
     if (root.empty() || ::stat(root.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
         logErr("Directory does not exist or is not a directory: %s\n", root.c_str());
@@ -96,12 +96,11 @@ std::vector<Playlist> scanRoot(PlayerState& st, const std::string& root) {
     return result;
 }
 
-void scanDefaultFolder(PlayerState& st) {
+void scanDefaultMusicFolder(LibraryState& st) {
     st.playlists.clear();
     st.scanSongCount = 0;
     st.scanPlaylistCount = 0;
     st.playlists = scanRoot(st, defaultMusicFolder());
-    saveLibraryCache(st);
 }
 
 std::string defaultMusicFolder() {

@@ -1,6 +1,6 @@
 #include "library/stations.h"
 
-#include "core/playerState.h"
+#include "library/libraryState.h"
 #include "util/jsonRows.h"
 #include "util/log.h"
 
@@ -27,7 +27,7 @@ bool readStation(const Json& element, RadioStation& station) {
 
 } // namespace
 
-bool loadStations(PlayerState& st, const std::string& path) {
+bool loadStations(LibraryState& st, const std::string& path) {
     JsonRead read;
     std::optional<Json> root = readJsonFile(path, &read);
     if (read == JsonRead::Missing) {
@@ -45,7 +45,7 @@ bool loadStations(PlayerState& st, const std::string& path) {
     return true;
 }
 
-void saveStations(const PlayerState& st, const std::string& path) {
+void saveStations(const LibraryState& st, const std::string& path) {
     Json root; // null without stations
     for (const RadioStation& station : st.radioStations)
         root.push_back({{"favorite", station.favorite},

@@ -1,10 +1,10 @@
 #pragma once
 #include <string>
 
-struct PlayerState;
+struct LibraryState;
 
 // Reads InternetStations.json at path into radioStations; false when it cannot be opened, with
 // the list unchanged.
-bool loadStations(PlayerState& st, const std::string& path);
+bool loadStations(LibraryState& st, const std::string& path);
 // Writes radioStations to path; "null" when there are none.
-void saveStations(const PlayerState& st, const std::string& path);
+void saveStations(const LibraryState& st, const std::string& path);

@@ -6,6 +6,7 @@
 #include "core/windowEvents.h"
 #include "platform/qtCanvas.h"
 #include "platform/qtSignals.h"
+#include "platform/sdlControllers.h"
 #include "util/log.h"
 
 #include <QApplication>
@@ -54,7 +55,6 @@ ScreenWidget::ScreenWidget(PlayerState& st, QWidget* parent) : QWidget(parent), 
 void ScreenWidget::paintEvent(QPaintEvent*) {
     if (backBuffer_.size() != size())
         backBuffer_ = QImage(size(), QImage::Format_RGB32);
-    st_.backBufferDC = &backBuffer_;
     {
         QPainter painter(&backBuffer_);
         QtCanvas canvas(painter, width(), height());
@@ -79,7 +79,6 @@ MainWindow::MainWindow(PlayerState& st) : st_(st), screen_(new ScreenWidget(st, 
     setWindowTitle("Marble Tunnel Radio");
     setCentralWidget(screen_);
     resize(gridWidth, gridHeight);
-    st.mainWindow = this;
 }
 
 bool MainWindow::finishStartup() {
@@ -98,19 +97,19 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     if (!shutDown_) {
         shutDown_ = true;
         shutdown(st_);
-        for (int id : {platform::timerRepaint, platform::timerVolumeLatch, platform::timerPoll,
-                       platform::timerStationTags})
-            platform::killTimer(id);
+        for (int id :
+             {host::timerRepaint, host::timerVolumeLatch, host::timerPoll, host::timerStationTags})
+            host::killTimer(id);
     }
     event->accept();
     QCoreApplication::exit(0);
 }
 
 QtBackend::QtBackend(PlayerState& st, MainWindow& window)
-    : st_(st), window_(window), previous_(platform::installBackend(this)) {}
+    : st_(st), window_(window), previous_(host::installPort(this)) {}
 
 QtBackend::~QtBackend() {
-    platform::installBackend(previous_);
+    host::installPort(previous_);
 }
 
 void QtBackend::setTimer(int id, int milliseconds) {
@@ -128,7 +127,7 @@ void QtBackend::killTimer(int id) {
         it->second->stop();
 }
 
-void QtBackend::invalidate(const platform::Rect* rect, bool) {
+void QtBackend::invalidate(const host::Rect* rect, bool) {
     if (rect)
         window_.screen()->update(
             QRect(QPoint(rect->left, rect->top), QPoint(rect->right - 1, rect->bottom - 1)));
@@ -136,7 +135,7 @@ void QtBackend::invalidate(const platform::Rect* rect, bool) {
         window_.screen()->update();
 }
 
-void QtBackend::messageBox(const std::string& text, const std::string& title, platform::Icon icon,
+void QtBackend::messageBox(const std::string& text, const std::string& title, host::Icon icon,
                            bool owned) {
     // Nobody could press OK on a window that is never shown.
     if (onOffscreenPlatform()) {
@@ -144,15 +143,24 @@ void QtBackend::messageBox(const std::string& text, const std::string& title, pl
         return;
     }
     QMessageBox::Icon qtIcon = QMessageBox::NoIcon;
-    if (icon == platform::Icon::Error)
+    if (icon == host::Icon::Error)
         qtIcon = QMessageBox::Critical;
-    if (icon == platform::Icon::Warning)
+    if (icon == host::Icon::Warning)
         qtIcon = QMessageBox::Warning;
-    if (icon == platform::Icon::Information)
+    if (icon == host::Icon::Information)
         qtIcon = QMessageBox::Information;
     QMessageBox box(qtIcon, QString::fromStdString(title), QString::fromStdString(text),
                     QMessageBox::Ok, owned ? &window_ : nullptr);
     box.exec();
+}
+
+void QtBackend::playerChanged(host::PlayerChange what) {
+    for (const auto& listener : listeners_)
+        listener(what);
+}
+
+void QtBackend::listenToPlayer(std::function<void(host::PlayerChange)> listener) {
+    listeners_.push_back(std::move(listener));
 }
 
 int runPlayer(int argc, char** argv) {
@@ -167,17 +175,16 @@ int runPlayer(int argc, char** argv) {
     std::setlocale(LC_NUMERIC, "C");
 
     auto st = std::make_unique<PlayerState>();
-    st->instanceHandle = &app;
     MainWindow window(*st);
     QtBackend backend(*st, window);
+    SdlControllers controllers;
     onMainWindowCreated(*st);
     closeWindowOnQuitSignals(&window);
     closeWindowOnSessionEnd(&window);
     QIcon icon = makeAppIcon();
     if (icon.isNull())
-        platform::messageBox("Could not load icon!", "Error", platform::Icon::Error, true);
+        host::messageBox("Could not load icon!", "Error", host::Icon::Error, true);
     window.setWindowIcon(icon);
-    st->appIcon = &icon;
     onResize(*st, gridWidth, gridHeight);
     if (!window.winId())
         return -1;

@@ -1,10 +1,12 @@
 #pragma once
-#include "platform/platform.h"
+#include "core/hostPort.h"
 
 #include <QImage>
 #include <QMainWindow>
+#include <functional>
 #include <map>
 #include <memory>
+#include <vector>
 
 struct PlayerState;
 class QTimer;
@@ -47,8 +49,9 @@ class MainWindow : public QMainWindow {
     bool shutDown_ = false;
 };
 
-// The window system as the logic sees it: timers by id, repaint requests, message boxes.
-class QtBackend : public platform::Backend {
+// The window system as the logic sees it: timers by id, repaint requests, message boxes, and the
+// notice that the player changed.
+class QtBackend : public host::Port {
   public:
     QtBackend(PlayerState& st, MainWindow& window);
     ~QtBackend() override;
@@ -57,15 +60,19 @@ class QtBackend : public platform::Backend {
 
     void setTimer(int id, int milliseconds) override;
     void killTimer(int id) override;
-    void invalidate(const platform::Rect* rect, bool erase) override;
-    void messageBox(const std::string& text, const std::string& title, platform::Icon icon,
+    void invalidate(const host::Rect* rect, bool erase) override;
+    void messageBox(const std::string& text, const std::string& title, host::Icon icon,
                     bool owned) override;
+    void playerChanged(host::PlayerChange what) override;
+    // The screen and the desktop's media controls hear every change here instead of polling.
+    void listenToPlayer(std::function<void(host::PlayerChange)> listener);
 
   private:
     PlayerState& st_;
     MainWindow& window_;
     std::map<int, std::unique_ptr<QTimer>> timers_;
-    platform::Backend* previous_;
+    std::vector<std::function<void(host::PlayerChange)>> listeners_;
+    host::Port* previous_;
 };
 
 // The entry point of the player: returns the exit code, -1 when the window cannot be made.

@@ -1,23 +1,18 @@
 #include "playback/audioSetup.h"
 
-#include "core/playerState.h"
-#include "platform/platform.h"
 #include "playback/engine/engine.h"
-#include "playback/loading.h"
-#include "playback/soundfonts.h"
+#include "playback/playbackState.h"
 #include "util/log.h"
+
+#include <array>
 
 namespace {
 
-void stopAndFreeStreams(PlayerState& st) {
-    for (ChannelHandle handle :
-         {st.musicStream, st.musicStreamNext, st.trackerStream, st.trackerStreamNext}) {
-        channelStop(handle);
-        streamFree(handle);
-    }
+std::array<ChannelHandle, 4> allChannels(const PlaybackState& st) {
+    return {st.musicStream, st.musicStreamNext, st.trackerStream, st.trackerStreamNext};
 }
 
-void freeEngine(PlayerState& st) {
+void freeEngine(PlaybackState& st) {
     midiFontFree(st.soundFontMain);
     midiFontFree(st.soundFontNext);
     pluginFreeAll();
@@ -26,26 +21,22 @@ void freeEngine(PlayerState& st) {
 
 } // namespace
 
-void loadAudioPlugins(PlayerState&) {
+void loadAudioPlugins() {
     pluginLoad("bassmidi.dll");
     pluginLoad("bass_aac.dll");
     if (!pluginLoad("BASSFLAC.dll"))
         logErr("Failed to load BASSFLAC.dll\n");
 }
 
-void initAudioAtStartup(PlayerState&) {
-    if (!engineInit())
-        platform::messageBox("Failed to initialize BASS library!", "Error", platform::Icon::Error,
-                             false);
+void stopAllStreams(PlaybackState& st) {
+    for (ChannelHandle handle : allChannels(st)) {
+        channelStop(handle);
+        streamFree(handle);
+    }
 }
 
-void stopAllStreams(PlayerState& st) {
-    stopAndFreeStreams(st);
-}
-
-void freeAudio(PlayerState& st) {
-    for (ChannelHandle handle :
-         {st.musicStream, st.musicStreamNext, st.trackerStream, st.trackerStreamNext})
+void freeAudio(PlaybackState& st) {
+    for (ChannelHandle handle : allChannels(st))
         channelStop(handle);
     streamFree(st.musicStream);
     streamFree(st.musicStreamNext);
@@ -54,15 +45,7 @@ void freeAudio(PlayerState& st) {
     freeEngine(st);
 }
 
-void initAudio(PlayerState& st) {
-    loadAudioPlugins(st);
-    initAudioAtStartup(st);
-    setUpSoundFonts(st);
-}
-
-void restartAudio(PlayerState& st) {
-    stopAndFreeStreams(st);
+void releaseAudio(PlaybackState& st) {
+    stopAllStreams(st);
     freeEngine(st);
-    initAudio(st);
-    startPlayback(st);
 }

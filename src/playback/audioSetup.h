@@ -1,16 +1,13 @@
 #pragma once
 
-struct PlayerState;
+struct PlaybackState;
 
 // Asks for the MIDI, AAC and FLAC decoders; a missing FLAC decoder is logged.
-void loadAudioPlugins(PlayerState& st);
-// Opens the default output device at 44100 Hz; on failure a message box, and silence after.
-void initAudioAtStartup(PlayerState& st);
+void loadAudioPlugins();
 // Stops and frees the channels of both slots.
-void stopAllStreams(PlayerState& st);
+void stopAllStreams(PlaybackState& st);
 // Releases every channel, both fonts, the decoders and the device. The handles stay as they are.
-void freeAudio(PlayerState& st);
-// Brings the audio back as at start-up, with the soundfont set-up.
-void initAudio(PlayerState& st);
-// Frees everything, initialises again and starts playback anew.
-void restartAudio(PlayerState& st);
+void freeAudio(PlaybackState& st);
+// Stops and frees the channels of both slots as streams, both fonts, the decoders and the device:
+// the first half of a restart of the audio.
+void releaseAudio(PlaybackState& st);

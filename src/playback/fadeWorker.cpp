@@ -1,7 +1,8 @@
 #include "playback/fadeWorker.h"
 
-#include "core/playerState.h"
 #include "playback/engine/engine.h"
+#include "playback/playbackState.h"
+#include "playback/slots.h"
 
 #include <algorithm>
 #include <chrono>
@@ -9,7 +10,7 @@
 
 namespace {
 
-std::int64_t now(const PlayerState& st) {
+std::int64_t now(const PlaybackState& st) {
     if (st.fadeClock)
         return st.fadeClock->nowMilliseconds();
     return std::chrono::duration_cast<std::chrono::milliseconds>(
@@ -24,22 +25,18 @@ void stopAndFree(ChannelHandle handle) {
 
 // Decided at the end of the sleep, so the worker clears whichever pair is not audible then. A
 // field that holds the audible pair's handle (both fields after a start of playback) is left.
-void clearSilentPair(PlayerState& st) {
+void clearSilentPair(PlaybackState& st) {
     std::lock_guard lock(st.streamMutex);
-    if (!st.nextSlotActive.load()) {
-        if (st.musicStreamNext != st.musicStream)
-            stopAndFree(st.musicStreamNext);
-        if (st.trackerStreamNext != st.trackerStream)
-            stopAndFree(st.trackerStreamNext);
-    } else {
-        if (st.musicStream != st.musicStreamNext)
-            stopAndFree(st.musicStream);
-        if (st.trackerStream != st.trackerStreamNext)
-            stopAndFree(st.trackerStream);
+    const Slot silent = loadingSlot(st);
+    const Slot audible = silent == Slot::Main ? Slot::Next : Slot::Main;
+    for (MusicType type : {musicTypeMidi, musicTypeTracker}) {
+        ChannelHandle old = slotChannel(st, silent, type);
+        if (old != slotChannel(st, audible, type))
+            stopAndFree(old);
     }
 }
 
-void runWorker(PlayerState& st, std::int64_t deadline) {
+void runWorker(PlaybackState& st, std::int64_t deadline) {
     {
         std::unique_lock lock(st.fadeSleepLock);
         while (!st.fadeWorkersEnding && now(st) < deadline) {
@@ -60,7 +57,7 @@ void runWorker(PlayerState& st, std::int64_t deadline) {
     st.fadeWake.notify_all();
 }
 
-bool settled(const PlayerState& st) {
+bool settled(const PlaybackState& st) {
     std::int64_t t = now(st);
     return std::all_of(st.fadeDeadlines.begin(), st.fadeDeadlines.end(),
                        [t](std::int64_t d) { return d > t; });
@@ -68,7 +65,7 @@ bool settled(const PlayerState& st) {
 
 } // namespace
 
-void startFadeWorker(PlayerState& st) {
+void startFadeWorker(PlaybackState& st) {
     std::int64_t deadline = now(st) + std::max(st.FADE_DURATION_MS, 0);
     {
         std::lock_guard lock(st.fadeSleepLock);
@@ -78,14 +75,14 @@ void startFadeWorker(PlayerState& st) {
     std::thread([&st, deadline] { runWorker(st, deadline); }).detach();
 }
 
-void endFadeWorkers(PlayerState& st) {
+void endFadeWorkers(PlaybackState& st) {
     std::unique_lock lock(st.fadeSleepLock);
     st.fadeWorkersEnding = true;
     st.fadeWake.notify_all();
     st.fadeWake.wait(lock, [&st] { return st.fadeDeadlines.empty(); });
 }
 
-void settleFadeWorkers(PlayerState& st) {
+void settleFadeWorkers(PlaybackState& st) {
     std::unique_lock lock(st.fadeSleepLock);
     st.fadeWake.notify_all();
     st.fadeWake.wait(lock, [&st] { return settled(st); });

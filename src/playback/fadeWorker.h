@@ -1,7 +1,7 @@
 #pragma once
 #include <cstdint>
 
-struct PlayerState;
+struct PlaybackState;
 
 // The time the fade-out workers sleep by: the steady clock in the program, a clock that a test
 // moves on with the frames it pulls, so that crossfade tests never sleep.
@@ -13,9 +13,9 @@ class FadeClock {
 
 // Starts a detached worker that sleeps FADE_DURATION_MS, then stops and frees the pair that is
 // not audible and clears fadeWorkerRunning. The flag is set here, before the thread runs.
-void startFadeWorker(PlayerState& st);
+void startFadeWorker(PlaybackState& st);
 // At exit: every worker clears its pair at once, and this returns when the last has ended, so
 // none outlives the state it works on.
-void endFadeWorkers(PlayerState& st);
+void endFadeWorkers(PlaybackState& st);
 // For tests: returns once every worker whose time has come has ended.
-void settleFadeWorkers(PlayerState& st);
+void settleFadeWorkers(PlaybackState& st);

@@ -1,11 +1,9 @@
 #include "playback/loading.h"
 
-#include "core/playerState.h"
 #include "library/model.h"
 #include "playback/engine/engine.h"
+#include "playback/playbackState.h"
 #include "playback/tags.h"
-#include "radio/segments.h"
-#include "radio/selection.h"
 #include "util/log.h"
 
 namespace {
@@ -15,7 +13,7 @@ int errorCode() {
 }
 
 // The song a reference names, or null after the log line that says which index is wrong.
-Song* songAt(PlayerState& st, SongRef ref, bool setPlaying) {
+Song* songAt(PlaybackState& st, SongRef ref, bool setPlaying) {
     if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size())) {
         logOut("Error: Invalid playlist index.\n");
         return nullptr;
@@ -33,7 +31,7 @@ Song* songAt(PlayerState& st, SongRef ref, bool setPlaying) {
 }
 
 // A station from a history row of an earlier run can lie past the end of the list.
-const RadioStation* stationAt(const PlayerState& st) {
+const RadioStation* stationAt(const PlaybackState& st) {
     if (st.currentStation < 0 || st.currentStation >= static_cast<int>(st.radioStations.size())) {
         logOut("Error: Invalid station index.\n");
         return nullptr;
@@ -41,18 +39,9 @@ const RadioStation* stationAt(const PlayerState& st) {
     return &st.radioStations[st.currentStation];
 }
 
-void fadeIn(PlayerState& st, ChannelHandle handle, const char* playError) {
-    channelSetVolume(handle, 0.0f);
-    channelSlideVolume(handle, st.volume, st.FADE_DURATION_MS);
-    if (!channelPlay(handle))
-        logOut(playError, static_cast<unsigned>(errorCode()));
-    else
-        logOut("Fading in to volume %.2f over %d ms.\n", st.volume, st.FADE_DURATION_MS);
-}
-
 } // namespace
 
-ChannelHandle loadTracker(PlayerState& st, SongRef ref) {
+ChannelHandle loadTracker(PlaybackState& st, SongRef ref) {
     Song* song = songAt(st, ref, true);
     if (!song)
         return 0;
@@ -82,7 +71,7 @@ ChannelHandle loadTracker(PlayerState& st, SongRef ref) {
     return handle;
 }
 
-ChannelHandle loadStream(PlayerState& st, SongRef ref) {
+ChannelHandle loadStream(PlaybackState& st, SongRef ref) {
     std::string address;
     std::string title;
     if (!st.onStation) {
@@ -126,43 +115,4 @@ ChannelHandle loadStream(PlayerState& st, SongRef ref) {
     channelSetVolume(handle, 0.0f);
     st.songTitle = title;
     return handle;
-}
-
-void startPlayback(PlayerState& st) {
-    // A fade-out worker still asleep must not clear the slots while they are filled anew.
-    std::lock_guard lock(st.streamMutex);
-    SongRef ref = selectNextSong(st);
-    logChosenSong(st, ref);
-    st.nextSlotActive = false;
-    if (st.currentMusicType == musicTypeTracker) {
-        ChannelHandle handle = loadTracker(st, ref);
-        st.trackerStream = handle;
-        if (!handle) {
-            logOut("Error loading trackerStream: %u\n", static_cast<unsigned>(errorCode()));
-            return;
-        }
-        fadeIn(st, handle, "Error playing trackerStream: %u\n");
-        setTrackerSegment(st, handle);
-        return;
-    }
-    ChannelHandle handle = loadStream(st, ref);
-    st.musicStream = handle;
-    fadeIn(st, handle, "Error playing musicStream: %u\n");
-    setStreamSegment(st, handle);
-}
-
-// Names what the draw chose, so that a headless run shows it.
-void logChosenSong(const PlayerState& st, SongRef ref) {
-    const Song* song = findSong(st, ref);
-    if (st.onStation || st.songHistory.empty() || !song)
-        return;
-    int at = st.historyPosition;
-    if (at < 0 || at >= static_cast<int>(st.songHistory.size()))
-        at = st.historyEnd - 1;
-    if (at < 0 || at >= static_cast<int>(st.songHistory.size()))
-        return;
-    const HistoryEntry& row = st.songHistory[at];
-    logOut("Drawn song: %s\n", song->songPath.c_str());
-    logOut("History row %d: songType %d, songIndex %d, plistIndex %d\n", at, row.songType,
-           row.songIndex, row.plistIndex);
 }

@@ -1,12 +1,14 @@
 #pragma once
 
-struct PlayerState;
+struct PlaybackState;
 
-// At start-up: the folder of config.json, else the game's own soundfont folder (remembered in
-// config.json); a font drawn from it becomes the default of every MIDI stream.
-void setUpStartupSoundFonts(PlayerState& st);
-// The same without the fallback folder, after the audio was brought up again.
-void setUpSoundFonts(PlayerState& st);
+enum class SoundFontLoad { Loaded, NoFonts, Failed };
+
+// Lists the soundfonts of soundFontDirectoryPath into soundFonts; false when there are none.
+bool findSoundFonts(PlaybackState& st);
+// Draws one of the fonts found and makes it the default of every MIDI stream to come. The caller
+// tells the user when there was none to draw or it did not load.
+SoundFontLoad loadDrawnSoundFont(PlaybackState& st);
 // After a new MIDI song has counted one more: changes the font every
 // songsBeforeSoundfontChange songs.
-void rotateSoundFont(PlayerState& st);
+void rotateSoundFont(PlaybackState& st);

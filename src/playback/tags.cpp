@@ -1,6 +1,6 @@
 #include "playback/tags.h"
 
-#include "core/playerState.h"
+#include "playback/playbackState.h"
 
 // Station tags arrive with internet streams; a file stream has none to read.
-void readStationTags(PlayerState&, ChannelHandle) {}
+void readStationTags(PlaybackState&, ChannelHandle) {}

@@ -1,7 +1,7 @@
 #pragma once
 #include "playback/engine/handle.h"
 
-struct PlayerState;
+struct PlaybackState;
 
 // Reads the station's name, genre and running title from a stream's tags.
-void readStationTags(PlayerState& st, ChannelHandle handle);
+void readStationTags(PlaybackState& st, ChannelHandle handle);

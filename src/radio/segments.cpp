@@ -1,9 +1,8 @@
 #include "radio/segments.h"
 
-#include "core/playerState.h"
 #include "playback/engine/engine.h"
-
-#include <random>
+#include "playback/slots.h"
+#include "radio/radioState.h"
 
 namespace {
 
@@ -11,11 +10,11 @@ double lengthOf(ChannelHandle handle) {
     return channelBytesToSeconds(handle, channelGetLength(handle));
 }
 
-void applySegment(PlayerState& st, ChannelHandle handle, bool streamRules) {
+void applySegment(RadioState& st, ChannelHandle handle, bool streamRules) {
     SegmentInput in;
     in.lengthSeconds = lengthOf(handle);
     in.streamRules = streamRules;
-    in.wholeSong = st.songPlayDurationMax <= 0 || st.historyNavigation == 1;
+    in.wholeSong = st.songPlayDurationMax <= 0 || st.historyNavigation == historyWalkForward;
     in.minSeconds = st.songPlayDurationMin;
     in.maxSeconds = st.songPlayDurationMax;
     in.fadeSeconds = st.FADE_DURATION_MS / 1000.0;
@@ -33,13 +32,13 @@ long long wholeSeconds(double seconds) {
     return static_cast<long long>(seconds);
 }
 
-bool stationEndDue(const PlayerState& st, long long p, long long r) {
+bool stationEndDue(const RadioState& st, long long p, long long r) {
     switch (st.stationMode) {
-    case 1:
-    case 2:
+    case stationModeRadio:
+    case stationModeTop40:
         return r >= -59 && r <= 0;
-    case 3:
-        return r >= -59 && r <= 0 && st.historyNavigation == 0 && p > 30;
+    case stationModeUndiscovered:
+        return r >= -59 && r <= 0 && st.historyNavigation == historyWalkOff && p > 30;
     default:
         return false; // one playlist or one station: the user decides when it ends
     }
@@ -47,30 +46,22 @@ bool stationEndDue(const PlayerState& st, long long p, long long r) {
 
 } // namespace
 
-void setStreamSegment(PlayerState& st, ChannelHandle handle) {
+void setStreamSegment(RadioState& st, ChannelHandle handle) {
     if (st.onStation) {
-        std::mt19937 generator(std::random_device{}());
         int low = std::min(st.iSongPlayDurationMin, st.iSongPlayDurationMax);
         int high = std::max(st.iSongPlayDurationMin, st.iSongPlayDurationMax);
         st.segmentStart = 0.0;
-        st.segmentEnd = std::uniform_int_distribution<int>(low, high)(generator);
+        st.segmentEnd = st.stationTimeRng.uniform(low, high);
         return;
     }
     applySegment(st, handle, true);
 }
 
-void setTrackerSegment(PlayerState& st, ChannelHandle handle) {
+void setTrackerSegment(RadioState& st, ChannelHandle handle) {
     applySegment(st, handle, false);
 }
 
-ChannelHandle audibleHandle(const PlayerState& st) {
-    bool next = st.nextSlotActive.load();
-    if (st.currentMusicType == musicTypeTracker)
-        return next ? st.trackerStreamNext : st.trackerStream;
-    return next ? st.musicStreamNext : st.musicStream;
-}
-
-void refreshPosition(PlayerState& st) {
+void refreshPosition(RadioState& st) {
     st.activeHandle = audibleHandle(st);
     st.positionBytes = channelGetPosition(st.activeHandle);
     st.lengthBytes = channelGetLength(st.activeHandle);
@@ -78,7 +69,7 @@ void refreshPosition(PlayerState& st) {
     st.lengthSeconds = channelBytesToSeconds(st.activeHandle, st.lengthBytes);
 }
 
-bool segmentEndDue(const PlayerState& st) {
+bool segmentEndDue(const RadioState& st) {
     if (st.fadeWorkerRunning.load() != 0)
         return false;
     const long long p = wholeSeconds(st.positionSeconds);
@@ -89,8 +80,8 @@ bool segmentEndDue(const PlayerState& st) {
     if (st.totalSongCount <= 0)
         return false;
     // Both tests can hold in one pass; either starts the one transition.
-    bool segmentOver =
-        st.historyNavigation == 0 && p > 5 && r / 60 <= 0 && r % 60 >= -2 && r % 60 <= 0;
+    bool segmentOver = st.historyNavigation == historyWalkOff && p > 5 && r / 60 <= 0 &&
+                       r % 60 >= -2 && r % 60 <= 0;
     bool songOver = p >= n && p != -1;
     return segmentOver || songOver;
 }

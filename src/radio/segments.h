@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-struct PlayerState;
+struct RadioState;
 
 // Where a just-started song begins and when its transition is due, given its length, the
 // settings and the random draws (each u in 0..1). Pure, so the rules can be tested alone.
@@ -24,14 +24,12 @@ template <typename Draw> Segment chooseSegment(const SegmentInput& in, Draw&& ne
 
 // For a song or station just started in the music pair, and for a module in the tracker pair.
 // Set segmentStart and segmentEnd and move the channel to segmentStart.
-void setStreamSegment(PlayerState& st, ChannelHandle handle);
-void setTrackerSegment(PlayerState& st, ChannelHandle handle);
+void setStreamSegment(RadioState& st, ChannelHandle handle);
+void setTrackerSegment(RadioState& st, ChannelHandle handle);
 // The audible channel's position and length, read at every repaint; -1.0 when it failed.
-void refreshPosition(PlayerState& st);
+void refreshPosition(RadioState& st);
 // Whether the next transition is due now.
-bool segmentEndDue(const PlayerState& st);
-// The channel that is audible, by the music type and the slot flag.
-ChannelHandle audibleHandle(const PlayerState& st);
+bool segmentEndDue(const RadioState& st);
 
 template <typename Draw> Segment chooseSegment(const SegmentInput& in, Draw&& nextU) {
     const double length = in.lengthSeconds;

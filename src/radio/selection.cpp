@@ -1,8 +1,7 @@
 #include "radio/selection.h"
 
-#include "core/playerState.h"
 #include "library/model.h"
-#include "playback/audioSetup.h"
+#include "radio/radioState.h"
 #include "util/paths.h"
 
 #include <algorithm>
@@ -16,13 +15,13 @@ namespace {
 constexpr int maxDraws = 10000;
 
 // Songs of a playlist, 0 for an index that names none, so that no cursor reads past the end.
-int songCountOf(const PlayerState& st, int plist) {
+int songCountOf(const RadioState& st, int plist) {
     if (plist < 0 || plist >= static_cast<int>(st.playlists.size()))
         return 0;
     return static_cast<int>(st.playlists[plist].songs.size());
 }
 
-const Song& songAt(const PlayerState& st, SongRef ref) {
+const Song& songAt(const RadioState& st, SongRef ref) {
     return st.playlists[ref.plistIndex].songs[ref.songIndex];
 }
 
@@ -30,7 +29,7 @@ const Song& songAt(const PlayerState& st, SongRef ref) {
 
 // A ratio whose family has nothing to offer is cleared in the settings themselves, so the 0 is
 // also what is saved at exit.
-void clearEmptyRatios(PlayerState& st) {
+void clearEmptyRatios(RadioState& st) {
     if (st.mp3SongCount < 1)
         st.rawMP3 = 0;
     if (st.midiSongCount < 1)
@@ -44,7 +43,7 @@ void clearEmptyRatios(PlayerState& st) {
 }
 
 // With no music folders of the user's own, MIDI plays, and the stations if there are any.
-void applyNoFolderRatios(PlayerState& st) {
+void applyNoFolderRatios(RadioState& st) {
     st.rawFav = 0;
     st.rawTracker = 0;
     st.rawMIDI = 1;
@@ -54,7 +53,7 @@ void applyNoFolderRatios(PlayerState& st) {
 }
 
 // All ratios 0 would leave nothing to draw from; these make the library play anyway.
-void applyFallbackRatios(PlayerState& st) {
+void applyFallbackRatios(RadioState& st) {
     if (st.mp3SongCount > 0)
         st.rawMP3 = 1;
     if (st.midiSongCount > 0)
@@ -66,7 +65,7 @@ void applyFallbackRatios(PlayerState& st) {
 }
 
 // Wide, because the ratios come unchecked from files and commands and could overflow an int.
-std::int64_t ratioSum(const PlayerState& st) {
+std::int64_t ratioSum(const RadioState& st) {
     return std::int64_t{st.rawFav} + st.rawTracker + st.rawMIDI + st.rawMP3 + st.rawRadio;
 }
 
@@ -83,7 +82,7 @@ int songWeight(const Song& song) {
     return song.isFavorite == 1 ? std::max(song.favoriteCount + 1, 0) : 1;
 }
 
-std::vector<SongRef> buildWeightedSongs(const PlayerState& st) {
+std::vector<SongRef> buildWeightedSongs(const RadioState& st) {
     std::size_t total = 0;
     for (const Playlist& playlist : st.playlists)
         for (const Song& song : playlist.songs)
@@ -99,7 +98,7 @@ std::vector<SongRef> buildWeightedSongs(const PlayerState& st) {
 }
 
 // The one-playlist mode: every song once, favourites carry no weight there.
-std::vector<SongRef> buildPlaylistSongs(const PlayerState& st, int plist) {
+std::vector<SongRef> buildPlaylistSongs(const RadioState& st, int plist) {
     std::vector<SongRef> list;
     int count = songCountOf(st, plist);
     list.reserve(static_cast<std::size_t>(count));
@@ -109,7 +108,7 @@ std::vector<SongRef> buildPlaylistSongs(const PlayerState& st, int plist) {
 }
 
 // Stations by index, then the internet-radio playlists as radioStations.size() + their index.
-std::vector<int> buildWeightedStations(const PlayerState& st) {
+std::vector<int> buildWeightedStations(const RadioState& st) {
     std::vector<int> list;
     for (int i = 0; i < static_cast<int>(st.radioStations.size()); ++i)
         list.insert(list.end(), std::max(st.radioStations[i].favoriteCount + 1, 0), i);
@@ -126,7 +125,7 @@ std::vector<int> buildWeightedStations(const PlayerState& st) {
 
 // The flag says whether this is the first pick of its kind: then the song's own type stands in
 // for the previous one, as nothing played before it.
-void recordSong(PlayerState& st, SongRef ref, bool& firstPick) {
+void recordSong(RadioState& st, SongRef ref, bool& firstPick) {
     MusicType type = songAt(st, ref).musicType;
     st.previousMusicType = firstPick ? type : st.currentMusicType;
     firstPick = false;
@@ -136,7 +135,7 @@ void recordSong(PlayerState& st, SongRef ref, bool& firstPick) {
 
 // --- The station branch.
 
-SongRef playStation(PlayerState& st) {
+SongRef playStation(RadioState& st) {
     st.onStation = true;
     st.previousMusicType = st.firstSongPick ? musicTypeStation : st.currentMusicType;
     st.firstSongPick = false;
@@ -146,7 +145,7 @@ SongRef playStation(PlayerState& st) {
 }
 
 // Any song of the playlist, equally likely: favourites and the repeat window do not apply here.
-SongRef playRadioPlaylist(PlayerState& st, int plist) {
+SongRef playRadioPlaylist(RadioState& st, int plist) {
     int count = songCountOf(st, plist);
     if (count == 0) {
         st.onStation = false;
@@ -161,8 +160,8 @@ SongRef playRadioPlaylist(PlayerState& st, int plist) {
     return ref;
 }
 
-SongRef selectStation(PlayerState& st) {
-    if (st.stationMode != 4) {
+SongRef selectStation(RadioState& st) {
+    if (st.stationMode != stationModeStation) {
         std::vector<int> list = buildWeightedStations(st);
         if (list.empty())
             return SongRef{};
@@ -177,7 +176,7 @@ SongRef selectStation(PlayerState& st) {
 
 // --- The shuffled branch.
 
-bool inRepeatWindow(const PlayerState& st, const Song& song, SongRef ref) {
+bool inRepeatWindow(const RadioState& st, const Song& song, SongRef ref) {
     int rows = static_cast<int>(st.songHistory.size());
     int start = st.historyDepth < 0 || st.historyDepth > rows ? 0 : rows - st.historyDepth;
     for (int i = start; i < rows; ++i) {
@@ -190,19 +189,21 @@ bool inRepeatWindow(const PlayerState& st, const Song& song, SongRef ref) {
 }
 
 // The filters in their fixed order; the cheap ones first, the history scan last.
-bool isRefused(const PlayerState& st, int family, const Song& song, SongRef ref) {
-    if (st.builtInStation == 1 && song.isFavorite == 0)
+bool isRefused(const RadioState& st, int family, const Song& song, SongRef ref) {
+    if (st.builtInStation == builtInFavorites && song.isFavorite == 0)
         return true;
-    if (st.builtInStation == 2 && song.isFavorite != 0 && family != familyFavorites)
+    if (st.builtInStation == builtInUndiscovered && song.isFavorite != 0 &&
+        family != familyFavorites)
         return true;
     if (family == familyFavorites ? song.isFavorite == 0 : song.musicType != family)
         return true;
     return inRepeatWindow(st, song, ref);
 }
 
-SongRef selectShuffled(PlayerState& st, int family) {
-    std::vector<SongRef> candidates =
-        st.stationMode == 0 ? buildPlaylistSongs(st, st.modePlaylist) : buildWeightedSongs(st);
+SongRef selectShuffled(RadioState& st, int family) {
+    std::vector<SongRef> candidates = st.stationMode == stationModePlaylist
+                                          ? buildPlaylistSongs(st, st.modePlaylist)
+                                          : buildWeightedSongs(st);
     st.weightedSongTotal = static_cast<int>(candidates.size());
     if (candidates.empty())
         return SongRef{};
@@ -211,7 +212,7 @@ SongRef selectShuffled(PlayerState& st, int family) {
     int last = static_cast<int>(candidates.size()) - 1;
     for (int draw = 0; draw < maxDraws; ++draw) {
         SongRef ref = candidates[st.selectionRng.uniform(0, last)];
-        if (st.stationMode != 0 && isRefused(st, family, songAt(st, ref), ref))
+        if (st.stationMode != stationModePlaylist && isRefused(st, family, songAt(st, ref), ref))
             continue;
         recordSong(st, ref, st.firstSongPick);
         return ref;
@@ -223,7 +224,7 @@ SongRef selectShuffled(PlayerState& st, int family) {
 
 // Playlists without songs (a cache can hold them) are passed over, so the cursor always lands
 // on a song.
-SongRef selectInLibraryOrder(PlayerState& st) {
+SongRef selectInLibraryOrder(RadioState& st) {
     bool anySong = std::any_of(st.playlists.begin(), st.playlists.end(),
                                [](const Playlist& playlist) { return !playlist.songs.empty(); });
     if (!anySong)
@@ -243,7 +244,7 @@ SongRef selectInLibraryOrder(PlayerState& st) {
 }
 
 // The one-playlist mode plays the family of its first song, as the stored extension names it.
-int familyOfPlaylist(const PlayerState& st, int plist) {
+int familyOfPlaylist(const RadioState& st, int plist) {
     if (songCountOf(st, plist) == 0)
         return familyNone;
     return classifyExtension(extensionOf(st.playlists[plist].songs.front().songPath));
@@ -251,7 +252,7 @@ int familyOfPlaylist(const PlayerState& st, int plist) {
 
 } // namespace
 
-int pickFamily(PlayerState& st) {
+int pickFamily(RadioState& st) {
     if (!st.savedRawRadioTaken) {
         st.savedRawRadio = st.rawRadio;
         st.savedRawRadioTaken = true;
@@ -267,10 +268,9 @@ int pickFamily(PlayerState& st) {
         applyFallbackRatios(st);
         sum = ratioSum(st);
     }
-    if (sum < 0) {
-        stopAllStreams(st);
+    st.noFamilyDrawn = sum < 0;
+    if (st.noFamilyDrawn)
         return familyNone;
-    }
     // Single precision and a strict comparison against a whole-number r: the bands hold whole
     // numbers of r, so 22.7% plays as 23%.
     float pMidi = percentOf(st.rawMIDI, sum);
@@ -297,24 +297,25 @@ int pickFamily(PlayerState& st) {
     return familyTracker; // the remainder: Tracker has no band of its own
 }
 
-SongRef selectNextSong(PlayerState& st) {
+SongRef selectNextSong(RadioState& st) {
     if (st.stationCount < 1)
         st.rawRadio = 0;
     int family;
-    if (st.stationMode == 0) {
+    if (st.stationMode == stationModePlaylist) {
         family = familyOfPlaylist(st, st.modePlaylist);
     } else {
         family = pickFamily(st);
-        if (st.stationMode != 4)
+        if (st.stationMode != stationModeStation)
             st.onStation = false;
     }
-    if ((st.stationMode != 0 && family == familyRadio) || (st.onStation && st.stationCount > 0))
+    if ((st.stationMode != stationModePlaylist && family == familyRadio) ||
+        (st.onStation && st.stationCount > 0))
         return selectStation(st);
     st.onStation = false;
     return st.shuffle != 0 ? selectShuffled(st, family) : selectInLibraryOrder(st);
 }
 
-bool familyHasSongs(const PlayerState& st, int family) {
+bool familyHasSongs(const RadioState& st, int family) {
     for (const Playlist& playlist : st.playlists)
         for (const Song& song : playlist.songs)
             if (family == familyFavorites ? song.isFavorite == 1 : song.musicType == family)
@@ -322,7 +323,7 @@ bool familyHasSongs(const PlayerState& st, int family) {
     return false;
 }
 
-SongRef pickPlainSong(PlayerState& st) {
+SongRef pickPlainSong(RadioState& st) {
     if (st.scanSongCount < 1)
         return SongRef{}; // nothing to count, and no division by zero
     int r = st.rand15.next() % st.scanSongCount;

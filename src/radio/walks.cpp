@@ -1,13 +1,12 @@
 #include "radio/walks.h"
 
-#include "core/playerState.h"
 #include "library/model.h"
-#include "playback/crossfade.h"
+#include "radio/radioState.h"
 #include "radio/selection.h"
 
 namespace {
 
-bool rowExists(const PlayerState& st, const HistoryEntry& row) {
+bool rowExists(const RadioState& st, const HistoryEntry& row) {
     if (row.songType == musicTypeStation)
         return row.plistIndex >= 0 && row.plistIndex < static_cast<int>(st.radioStations.size());
     return findSong(st, SongRef{row.plistIndex, row.songIndex}) != nullptr;
@@ -15,10 +14,10 @@ bool rowExists(const PlayerState& st, const HistoryEntry& row) {
 
 // A row that names what is gone (a file of an earlier run, a hand edit) ends the walk, and a
 // new selection plays instead of silence.
-SongRef readHistoryRow(PlayerState& st) {
+SongRef readHistoryRow(RadioState& st) {
     if (st.historyPosition < 0 || st.historyPosition >= static_cast<int>(st.songHistory.size()) ||
         !rowExists(st, st.songHistory[st.historyPosition])) {
-        st.historyNavigation = 0;
+        st.historyNavigation = historyWalkOff;
         st.historyPosition = st.historyEnd;
         return selectNextSong(st);
     }
@@ -31,7 +30,7 @@ SongRef readHistoryRow(PlayerState& st) {
     return SongRef{row.plistIndex, row.songIndex};
 }
 
-SongRef playChosen(PlayerState& st, SongRef ref) {
+SongRef playChosen(RadioState& st, SongRef ref) {
     st.previousMusicType = st.currentMusicType;
     if (const Song* song = findSong(st, ref))
         st.currentMusicType = song->musicType;
@@ -45,13 +44,13 @@ int lastIndex(std::size_t size) {
 
 } // namespace
 
-SongRef chooseTransitionSource(PlayerState& st) {
-    if (st.historyNavigation == 1) {
+SongRef chooseTransitionSource(RadioState& st) {
+    if (st.historyNavigation == historyWalkForward) {
         ++st.historyPosition;
         return readHistoryRow(st);
     }
-    if (st.historyNavigation == 2) {
-        st.historyNavigation = 1;
+    if (st.historyNavigation == historyWalkBack) {
+        st.historyNavigation = historyWalkForward;
         return readHistoryRow(st);
     }
     // An empty result list (or a row past its end) plays nothing old again: a new selection.
@@ -63,23 +62,23 @@ SongRef chooseTransitionSource(PlayerState& st) {
     return selectNextSong(st);
 }
 
-void nextPlaylist(PlayerState& st) {
+void stepModeForward(RadioState& st) {
     switch (st.stationMode) {
-    case 1:
-    case 2:
+    case stationModeRadio:
+    case stationModeTop40:
         st.builtInStation = st.stationMode;
         ++st.stationMode;
         break;
-    case 3:
-        st.stationMode = 4;
-        st.builtInStation = 0;
+    case stationModeUndiscovered:
+        st.stationMode = stationModeStation;
+        st.builtInStation = builtInAllSongs;
         st.onStation = true;
         st.currentStation = 0;
         break;
-    case 4:
+    case stationModeStation:
         if (++st.currentStation > lastIndex(st.radioStations.size())) {
             st.onStation = false;
-            st.stationMode = 0;
+            st.stationMode = stationModePlaylist;
             st.modeSongIndex = -1;
             st.modePlaylist = 0;
         }
@@ -87,51 +86,56 @@ void nextPlaylist(PlayerState& st) {
     default:
         st.modeSongIndex = -1;
         if (++st.modePlaylist > lastIndex(st.playlists.size())) {
-            st.stationMode = 1;
+            st.stationMode = stationModeRadio;
             st.modePlaylist = 0;
         }
         break;
     }
-    startTransition(st);
 }
 
-void previousPlaylist(PlayerState& st) {
+void stepModeBack(RadioState& st) {
     switch (st.stationMode) {
-    case 1:
-        st.stationMode = 0;
+    case stationModeRadio:
+        st.stationMode = stationModePlaylist;
         st.modeSongIndex = -1;
         st.modePlaylist = lastIndex(st.playlists.size());
         break;
-    case 2:
-    case 3:
+    case stationModeTop40:
+    case stationModeUndiscovered:
         --st.stationMode;
         st.builtInStation = st.stationMode - 1;
         break;
-    case 4:
+    case stationModeStation:
         if (--st.currentStation < 0) {
             st.onStation = false;
-            st.stationMode = 3;
+            st.stationMode = stationModeUndiscovered;
             st.modeSongIndex = -1;
             st.modePlaylist = lastIndex(st.playlists.size());
-            st.builtInStation = 2;
+            st.builtInStation = builtInUndiscovered;
         }
         break;
     default:
         st.modeSongIndex = -1;
         if (--st.modePlaylist < 0) {
             st.currentStation = lastIndex(st.radioStations.size());
-            st.stationMode = 4;
+            st.stationMode = stationModeStation;
             st.onStation = true;
         }
         break;
     }
-    startTransition(st);
 }
 
-void previousSong(PlayerState& st) {
+bool stepBackInHistory(RadioState& st) {
     if (st.historyPosition <= 0)
-        return;
+        return false;
     --st.historyPosition;
-    st.historyNavigation = 2;
-    startTransition(st);
+    st.historyNavigation = historyWalkBack;
+    return true;
+}
+
+void endHistoryWalkAtLastRow(RadioState& st) {
+    if (st.historyNavigation != historyWalkOff && st.historyPosition >= st.historyEnd - 1) {
+        st.historyNavigation = historyWalkOff;
+        st.historyPosition = st.historyEnd - 1;
+    }
 }

@@ -1,6 +1,6 @@
 #include "settings/configFile.h"
 
-#include "core/playerState.h"
+#include "settings/settingsState.h"
 #include "util/jsonRows.h"
 #include "util/log.h"
 #include "util/paths.h"
@@ -12,11 +12,11 @@ namespace {
 
 using Json = nlohmann::json;
 
-std::string configPath(const PlayerState& st) {
+std::string configPath(const SettingsState& st) {
     return joinPath(st.dataDirectory, "/config.json");
 }
 
-std::string colorsPath(const PlayerState& st) {
+std::string colorsPath(const SettingsState& st) {
     return joinPath(st.dataDirectory, "/colors.json");
 }
 
@@ -46,7 +46,7 @@ bool readColor(const Json& element, ColorEntry& color) {
 
 } // namespace
 
-ConfigPaths loadConfig(const PlayerState& st) {
+ConfigPaths loadConfig(const SettingsState& st) {
     std::string path = configPath(st);
     std::optional<Json> root = readJsonFile(path);
     if (!root || root->is_null())
@@ -63,7 +63,7 @@ ConfigPaths loadConfig(const PlayerState& st) {
     return paths;
 }
 
-void saveConfig(const PlayerState& st) {
+void saveConfig(const SettingsState& st) {
     Json root = Json::object();
     root["marbleTunnelPath"] = st.marbleTunnelPath;
     root["soundFontDirectoryPath"] = st.soundFontDirectoryPath;
@@ -93,11 +93,11 @@ void saveColors(const std::vector<ColorEntry>& colors, const std::string& path) 
         logErr("Unable to open file for writing: %s\n", path.c_str());
 }
 
-void loadColorsAtStartup(const PlayerState& st) {
+void loadColorsAtStartup(const SettingsState& st) {
     loadColors(colorsPath(st));
 }
 
-void saveColorsIfMissing(const PlayerState& st) {
+void saveColorsIfMissing(const SettingsState& st) {
     std::string path = colorsPath(st);
     if (std::ifstream(path, std::ios::binary))
         return;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-struct PlayerState;
+struct SettingsState;
 
 struct ConfigPaths {
     std::string soundFontDirectoryPath;
@@ -12,15 +12,15 @@ struct ConfigPaths {
 };
 
 // config.json in the data folder; both paths empty when it cannot be read. Touches no field.
-ConfigPaths loadConfig(const PlayerState& st);
-void saveConfig(const PlayerState& st);
+ConfigPaths loadConfig(const SettingsState& st);
+void saveConfig(const SettingsState& st);
 
 // colors.json: a list of named colours, written for the user to see; the player reads it back
 // but takes its colours from its own tables.
 std::vector<ColorEntry> loadColors(const std::string& path);
 void saveColors(const std::vector<ColorEntry>& colors, const std::string& path);
 // Read at start-up, applied to nothing.
-void loadColorsAtStartup(const PlayerState& st);
+void loadColorsAtStartup(const SettingsState& st);
 // At exit: writes the built-in colours when colors.json cannot be opened; an existing file is
 // left as the user made it.
-void saveColorsIfMissing(const PlayerState& st);
+void saveColorsIfMissing(const SettingsState& st);

@@ -1,6 +1,6 @@
 #pragma once
 
-struct PlayerState;
+struct SettingsState;
 
 // Writes the library, favourites, music folders and soundfont folder as text for the game.
-void exportForGame(PlayerState& st);
+void exportForGame(SettingsState& st);

@@ -1,6 +1,6 @@
 #include "settings/musicSettings.h"
 
-#include "core/playerState.h"
+#include "settings/settingsState.h"
 #include "util/jsonFile.h"
 #include "util/log.h"
 #include "util/paths.h"
@@ -17,8 +17,8 @@
 namespace {
 
 using Json = nlohmann::json;
-using Field = std::variant<int PlayerState::*, float PlayerState::*, bool PlayerState::*,
-                           std::string PlayerState::*, std::vector<std::string> PlayerState::*>;
+using Field = std::variant<int SettingsState::*, float SettingsState::*, bool SettingsState::*,
+                           std::string SettingsState::*, std::vector<std::string> SettingsState::*>;
 
 struct Key {
     const char* name;
@@ -29,43 +29,43 @@ struct Key {
 // randomColorPlayer and borderlessAuto stay integers in the file while the rumble and
 // version flags are booleans.
 const std::array<Key, 37> keys{{
-    {"directoryPaths", &PlayerState::directoryPaths},
-    {"volumeLevel", &PlayerState::volume},
-    {"songPlayDurationMin", &PlayerState::songPlayDurationMin},
-    {"songPlayDurationMax", &PlayerState::songPlayDurationMax},
-    {"FADE_DURATION_MS", &PlayerState::FADE_DURATION_MS},
-    {"rawFav", &PlayerState::rawFav},
-    {"rawMIDI", &PlayerState::rawMIDI},
-    {"rawMP3", &PlayerState::rawMP3},
-    {"rawTracker", &PlayerState::rawTracker},
-    {"songsBeforeSoundfontChange", &PlayerState::songsBeforeSoundfontChange},
-    {"textR", &PlayerState::textR},
-    {"textG", &PlayerState::textG},
-    {"textB", &PlayerState::textB},
-    {"bkGrR", &PlayerState::bkGrR},
-    {"bkGrG", &PlayerState::bkGrG},
-    {"bkGrB", &PlayerState::bkGrB},
-    {"songR", &PlayerState::songR},
-    {"songG", &PlayerState::songG},
-    {"songB", &PlayerState::songB},
-    {"windowAlpha", &PlayerState::windowAlpha},
-    {"lowVolume", &PlayerState::lowVolume},
-    {"highVolume", &PlayerState::highVolume},
-    {"useRumble", &PlayerState::useRumble},
-    {"textureAlpha", &PlayerState::textureAlpha},
-    {"useRumbleToggle", &PlayerState::useRumbleToggle},
-    {"rumbleTime", &PlayerState::rumbleTime},
-    {"rumbleTimeToggle", &PlayerState::rumbleTimeToggle},
-    {"iSongPlayDurationMin", &PlayerState::iSongPlayDurationMin},
-    {"iSongPlayDurationMax", &PlayerState::iSongPlayDurationMax},
-    {"randomColorPlayer", &PlayerState::randomColorPlayer},
-    {"borderlessAuto", &PlayerState::borderlessAuto},
-    {"currentBkTextureName", &PlayerState::currentBkTextureName},
-    {"currentLCDTextureName", &PlayerState::currentLCDTextureName},
-    {"bkTextureAlpha", &PlayerState::bkTextureAlpha},
-    {"historyDepth", &PlayerState::historyDepth},
-    {"versionCheck", &PlayerState::versionCheck},
-    {"rawRadio", &PlayerState::rawRadio},
+    {"directoryPaths", &SettingsState::directoryPaths},
+    {"volumeLevel", &SettingsState::volume},
+    {"songPlayDurationMin", &SettingsState::songPlayDurationMin},
+    {"songPlayDurationMax", &SettingsState::songPlayDurationMax},
+    {"FADE_DURATION_MS", &SettingsState::FADE_DURATION_MS},
+    {"rawFav", &SettingsState::rawFav},
+    {"rawMIDI", &SettingsState::rawMIDI},
+    {"rawMP3", &SettingsState::rawMP3},
+    {"rawTracker", &SettingsState::rawTracker},
+    {"songsBeforeSoundfontChange", &SettingsState::songsBeforeSoundfontChange},
+    {"textR", &SettingsState::textR},
+    {"textG", &SettingsState::textG},
+    {"textB", &SettingsState::textB},
+    {"bkGrR", &SettingsState::bkGrR},
+    {"bkGrG", &SettingsState::bkGrG},
+    {"bkGrB", &SettingsState::bkGrB},
+    {"songR", &SettingsState::songR},
+    {"songG", &SettingsState::songG},
+    {"songB", &SettingsState::songB},
+    {"windowAlpha", &SettingsState::windowAlpha},
+    {"lowVolume", &SettingsState::lowVolume},
+    {"highVolume", &SettingsState::highVolume},
+    {"useRumble", &SettingsState::useRumble},
+    {"textureAlpha", &SettingsState::textureAlpha},
+    {"useRumbleToggle", &SettingsState::useRumbleToggle},
+    {"rumbleTime", &SettingsState::rumbleTime},
+    {"rumbleTimeToggle", &SettingsState::rumbleTimeToggle},
+    {"iSongPlayDurationMin", &SettingsState::iSongPlayDurationMin},
+    {"iSongPlayDurationMax", &SettingsState::iSongPlayDurationMax},
+    {"randomColorPlayer", &SettingsState::randomColorPlayer},
+    {"borderlessAuto", &SettingsState::borderlessAuto},
+    {"currentBkTextureName", &SettingsState::currentBkTextureName},
+    {"currentLCDTextureName", &SettingsState::currentLCDTextureName},
+    {"bkTextureAlpha", &SettingsState::bkTextureAlpha},
+    {"historyDepth", &SettingsState::historyDepth},
+    {"versionCheck", &SettingsState::versionCheck},
+    {"rawRadio", &SettingsState::rawRadio},
 }};
 
 // Any number, narrowed to a 32-bit float; one past the float range would become infinite.
@@ -93,7 +93,7 @@ bool readPaths(const Json& value, std::vector<std::string>& out) {
 }
 
 // One key into its working field; false leaves the field as it was.
-bool readKey(const Json& value, Field field, PlayerState& st) {
+bool readKey(const Json& value, Field field, SettingsState& st) {
     return std::visit(
         [&](auto member) {
             auto& target = st.*member;
@@ -121,7 +121,7 @@ bool readKey(const Json& value, Field field, PlayerState& st) {
 
 } // namespace
 
-bool loadMusicSettings(PlayerState& st, const std::string& path) {
+bool loadMusicSettings(SettingsState& st, const std::string& path) {
     JsonRead read;
     std::optional<Json> root = readJsonFile(path, &read);
     if (read == JsonRead::Missing) {
@@ -156,7 +156,7 @@ bool loadMusicSettings(PlayerState& st, const std::string& path) {
     return true;
 }
 
-void saveMusicSettings(const PlayerState& st) {
+void saveMusicSettings(const SettingsState& st) {
     Json root = Json::object();
     for (const Key& key : keys)
         std::visit([&](auto member) { root[key.name] = st.*member; }, key.field);

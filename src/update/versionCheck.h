@@ -1,6 +1,4 @@
 #pragma once
 
-struct PlayerState;
-
-// Asks the web server for the newest version and opens the Update dialog if there is one.
-void runStartupVersionCheck(PlayerState& st);
+// Asks the web server for the newest version; true when it offers a newer one than this.
+bool runStartupVersionCheck();

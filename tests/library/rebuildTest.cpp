@@ -1,5 +1,6 @@
 #include "library/rebuild.h"
 
+#include "core/libraryEdits.h"
 #include "core/playerState.h"
 #include "support/tempDir.h"
 

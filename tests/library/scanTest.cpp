@@ -1,5 +1,6 @@
 #include "library/scan.h"
 
+#include "core/libraryEdits.h"
 #include "core/playerState.h"
 #include "support/currentDirectory.h"
 #include "support/tempDir.h"

@@ -42,37 +42,12 @@ TEST(MainWindow, ResizingRescalesTheGrid) {
     EXPECT_FLOAT_EQ(st.scaleY, 2.0f);
 }
 
-// Runs the event loop for a while, as the player's loop would turn.
-void turnEventLoop(int milliseconds) {
-    QTimer::singleShot(milliseconds, [] { QApplication::exit(0); });
-    QApplication::exec();
-}
-
-TEST(QtBackend, TheRepaintTimerRepaintsTheWindowUntilItIsKilled) {
-    PlayerState st;
-    MainWindow window(st);
-    QtBackend backend(st, window);
-    window.show();
-    turnEventLoop(10);
-    st.backBufferDC = nullptr;
-    platform::setTimer(platform::timerRepaint, 1);
-    turnEventLoop(50);
-    EXPECT_NE(st.backBufferDC, nullptr);
-
-    platform::killTimer(platform::timerRepaint);
-    platform::killTimer(platform::timerVolumeText); // never set: nothing happens
-    turnEventLoop(10);
-    st.backBufferDC = nullptr;
-    turnEventLoop(50);
-    EXPECT_EQ(st.backBufferDC, nullptr);
-}
-
 TEST(QtBackend, AMessageBoxWithoutADisplayBecomesOneLineInsteadOfBlocking) {
     PlayerState st;
     MainWindow window(st);
     QtBackend backend(st, window);
     testing::internal::CaptureStderr();
-    platform::messageBox("No soundfont files found.", "Error", platform::Icon::Error, false);
+    host::messageBox("No soundfont files found.", "Error", host::Icon::Error, false);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: No soundfont files found.\n");
 }
 

@@ -1,8 +1,10 @@
 #include "playback/crossfade.h"
 
 #include "core/transport.h"
+#include "core/volume.h"
 #include "playback/audioSetup.h"
 #include "playback/loading.h"
+#include "playback/slots.h"
 #include "radio/segments.h"
 #include "radioFixture.h"
 

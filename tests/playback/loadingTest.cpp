@@ -1,6 +1,8 @@
 #include "playback/loading.h"
 
+#include "core/audioStart.h"
 #include "core/playerState.h"
+#include "core/transport.h"
 #include "engineFixture.h"
 #include "library/model.h"
 #include "playback/audioSetup.h"

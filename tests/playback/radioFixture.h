@@ -1,5 +1,6 @@
 #pragma once
 #include "core/playerState.h"
+#include "core/transport.h"
 #include "engineFixture.h"
 #include "library/model.h"
 #include "playback/crossfade.h"

@@ -1,3 +1,6 @@
+#include "core/transport.h"
+#include "core/volume.h"
+#include "playback/slots.h"
 #include "radio/segments.h"
 #include "radio/walks.h"
 #include "radioFixture.h"

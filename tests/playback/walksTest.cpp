@@ -1,5 +1,6 @@
 #include "radio/walks.h"
 
+#include "core/transport.h"
 #include "core/windowEvents.h"
 #include "playback/crossfade.h"
 #include "radioFixture.h"

@@ -1,3 +1,4 @@
+#include "core/libraryEdits.h"
 #include "core/playerState.h"
 #include "core/shutdown.h"
 #include "library/cache.h"

@@ -1,10 +1,11 @@
 #pragma once
 #include <string>
 
-// What the logic asks of the window system. The Qt host installs the real backend; tests
-// install a recorder; with none installed, timers are ignored and a message box becomes a line
-// on the error stream, so nothing modal can ever block a run without a user.
-namespace platform {
+// What the logic asks of the window system, and what it tells it. The Qt host installs the real
+// port; tests install a recorder; with none installed, timers are ignored, a message box becomes
+// a line on the error stream and the notice goes nowhere, so nothing modal can ever block a run
+// without a user. Called on the user-interface thread only.
+namespace host {
 
 // Timer ids of the main window.
 constexpr int timerRepaint = 1;
@@ -16,6 +17,10 @@ constexpr int timerVolumeText = 2001;
 
 enum class Icon { None, Error, Warning, Information };
 
+// What changed, for those who show the player (the screen, the desktop's media controls) and
+// would otherwise have to poll it.
+enum class PlayerChange { Song, PlayState, Volume, Position };
+
 struct Rect {
     int left = 0;
     int top = 0;
@@ -23,8 +28,8 @@ struct Rect {
     int bottom = 0;
 };
 
-struct Backend {
-    virtual ~Backend() = default;
+struct Port {
+    virtual ~Port() = default;
     virtual void setTimer(int id, int milliseconds) = 0;
     virtual void killTimer(int id) = 0;
     // rect null: the whole client area.
@@ -32,14 +37,18 @@ struct Backend {
     // owned: the box belongs to the main window rather than standing alone.
     virtual void messageBox(const std::string& text, const std::string& title, Icon icon,
                             bool owned) = 0;
+    // Raised after the change has been made: the song, the play state (pause, stop, start), the
+    // volume, or a jump of the position.
+    virtual void playerChanged(PlayerChange what) = 0;
 };
 
-// The backend stays owned by the caller; pass nullptr to remove it. Returns the one it replaced.
-Backend* installBackend(Backend* backend);
+// The port stays owned by the caller; pass nullptr to remove it. Returns the one it replaced.
+Port* installPort(Port* port);
 
 void setTimer(int id, int milliseconds);
 void killTimer(int id);
 void invalidate(const Rect* rect, bool erase);
 void messageBox(const std::string& text, const std::string& title, Icon icon, bool owned);
+void notifyPlayerChanged(PlayerChange what);
 
-} // namespace platform
+} // namespace host

@@ -1,16 +1,16 @@
-#include "platform/platform.h"
+#include "core/hostPort.h"
 
 #include "util/log.h"
 
-namespace platform {
+namespace host {
 namespace {
 // The window system is one per process, like the process's own display connection.
-Backend* installed = nullptr;
+Port* installed = nullptr;
 } // namespace
 
-Backend* installBackend(Backend* backend) {
-    Backend* previous = installed;
-    installed = backend;
+Port* installPort(Port* port) {
+    Port* previous = installed;
+    installed = port;
     return previous;
 }
 
@@ -36,4 +36,9 @@ void messageBox(const std::string& text, const std::string& title, Icon icon, bo
         logErr("%s: %s\n", title.c_str(), text.c_str());
 }
 
-} // namespace platform
+void notifyPlayerChanged(PlayerChange what) {
+    if (installed)
+        installed->playerChanged(what);
+}
+
+} // namespace host
