@@ -54,10 +54,7 @@ void scanDefaultFolder(PlayerState& st) {
 void rescanLibrary(PlayerState& st) {
     if (st.directoryPaths.empty())
         return;
-    st.rawMIDI = 50;
-    st.rawTracker = 50;
-    st.rawRadio = 20;
-    st.rawMP3 = 50;
+    resetFirstStartRatios(st);
     st.hasMusicFolders = true;
     stopAllStreams(st);
     rescanKeepingFavorites(st, true);

@@ -67,10 +67,7 @@ void buildFirstLibrary(PlayerState& st, bool cacheHadSongs) {
     }
     applyFavorites(st, st.favorites);
     recountLibrary(st);
-    st.rawMIDI = 50;
-    st.rawTracker = 50;
-    st.rawRadio = 20;
-    st.rawMP3 = 50;
+    resetFirstStartRatios(st);
 }
 
 // Settings that name root folders, but no library cache (lost, damaged, or never written): the

@@ -74,7 +74,10 @@ void recountLibrary(LibraryState& st) {
         }
     }
     st.playlistCount = static_cast<int>(st.playlists.size());
-    // A family with nothing to play must not be drawn; the zero is saved with the settings.
+    zeroEmptyFamilyRatios(st, true);
+}
+
+void zeroEmptyFamilyRatios(LibraryState& st, bool stationsToo) {
     if (st.favoriteSongCount < 1)
         st.rawFav = 0;
     if (st.mp3SongCount < 1)
@@ -83,8 +86,15 @@ void recountLibrary(LibraryState& st) {
         st.rawMIDI = 0;
     if (st.trackerSongCount < 1)
         st.rawTracker = 0;
-    if (st.stationCount < 1)
+    if (stationsToo && st.stationCount < 1)
         st.rawRadio = 0;
+}
+
+void resetFirstStartRatios(LibraryState& st) {
+    st.rawMIDI = 50;
+    st.rawTracker = 50;
+    st.rawRadio = 20;
+    st.rawMP3 = 50;
 }
 
 std::string titleCaseFolder(std::string_view name) {

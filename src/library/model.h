@@ -13,6 +13,11 @@ int favoriteSongTypeOf(MusicType type);
 
 // Recomputes the counters from the library and zeroes the ratio of every empty family.
 void recountLibrary(LibraryState& st);
+// A family with nothing to play must not be drawn, so its ratio is cleared in the settings
+// themselves and the zero is saved; the stations' ratio only when stationsToo.
+void zeroEmptyFamilyRatios(LibraryState& st, bool stationsToo);
+// The ratios of a first start and of a new scan; rawFav keeps its own.
+void resetFirstStartRatios(LibraryState& st);
 
 // "my_old.songs" -> "My Old Songs"; a blank does not start a new word.
 std::string titleCaseFolder(std::string_view name);

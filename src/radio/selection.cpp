@@ -27,21 +27,6 @@ const Song& songAt(const RadioState& st, SongRef ref) {
 
 // --- The family draw.
 
-// A ratio whose family has nothing to offer is cleared in the settings themselves, so the 0 is
-// also what is saved at exit.
-void clearEmptyRatios(RadioState& st) {
-    if (st.mp3SongCount < 1)
-        st.rawMP3 = 0;
-    if (st.midiSongCount < 1)
-        st.rawMIDI = 0;
-    if (st.trackerSongCount < 1)
-        st.rawTracker = 0;
-    if (st.favoriteSongCount < 1)
-        st.rawFav = 0;
-    if (st.stationCount < 1 && !st.firstFamilyPick)
-        st.rawRadio = 0;
-}
-
 // With no music folders of the user's own, MIDI plays, and the stations if there are any.
 void applyNoFolderRatios(RadioState& st) {
     st.rawFav = 0;
@@ -260,7 +245,8 @@ int pickFamily(RadioState& st) {
     // The first song of a run is never a station; the saved ratio returns once r is drawn.
     if (st.firstFamilyPick)
         st.rawRadio = 0;
-    clearEmptyRatios(st);
+    // The first pick has set the stations aside already, and their ratio comes back after it.
+    zeroEmptyFamilyRatios(st, !st.firstFamilyPick);
     if (!st.hasMusicFolders && !st.firstFamilyPick)
         applyNoFolderRatios(st);
     std::int64_t sum = ratioSum(st);

@@ -39,6 +39,14 @@ TEST_F(Crossfade, TheOldSongSlidesOutWhileTheNewOneSlidesInAndTheOldSlotIsFreedA
     EXPECT_FLOAT_EQ(volumeOf(second), st.volume);
     EXPECT_EQ(st.fadeWorkerRunning, 0);
     EXPECT_EQ(transportState(st), TransportState::Playing);
+
+    // Whoever shows the player hears of each change instead of polling for it.
+    togglePause(st);
+    applyVolume(st);
+    using host::PlayerChange;
+    EXPECT_EQ(platform.changes,
+              (std::vector<PlayerChange>{PlayerChange::Song, PlayerChange::Song,
+                                         PlayerChange::PlayState, PlayerChange::Volume}));
 }
 
 TEST_F(Crossfade, MidiAndTrackerHandOverInBothDirections) {
