@@ -3,8 +3,8 @@
 #include "core/transport.h"
 #include "playback/audioSetup.h"
 #include "playback/loading.h"
+#include "playback/radioFixture.h"
 #include "radio/segments.h"
-#include "radioFixture.h"
 
 #include <fstream>
 

@@ -1,9 +1,9 @@
 #include "playback/loading.h"
 
 #include "core/playerState.h"
-#include "engineFixture.h"
 #include "library/model.h"
 #include "playback/audioSetup.h"
+#include "playback/engine/engineFixture.h"
 #include "playback/soundfonts.h"
 #include "support/currentDirectory.h"
 #include "support/recordingPlatform.h"

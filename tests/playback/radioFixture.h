@@ -1,8 +1,8 @@
 #pragma once
 #include "core/playerState.h"
-#include "engineFixture.h"
 #include "library/model.h"
 #include "playback/crossfade.h"
+#include "playback/engine/engineFixture.h"
 #include "playback/fadeWorker.h"
 #include "support/manualClock.h"
 #include "support/recordingPlatform.h"

@@ -1,6 +1,6 @@
+#include "playback/radioFixture.h"
 #include "radio/segments.h"
 #include "radio/walks.h"
-#include "radioFixture.h"
 
 #include <chrono>
 #include <random>

@@ -2,7 +2,7 @@
 
 #include "core/windowEvents.h"
 #include "playback/crossfade.h"
-#include "radioFixture.h"
+#include "playback/radioFixture.h"
 
 namespace {
 
