@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 #include <nlohmann/json.hpp>
 
 namespace fs = std::filesystem;
@@ -120,10 +121,9 @@ TEST_P(LostSettings, NeverReplaceACacheThatHeldSongs) {
         folder.root.write("game/data/MusicSettings.json", GetParam());
     folder.add("HarpTone/MIDI Songs/Marches/added later.mid");
 
-    testing::internal::CaptureStderr();
-    StartedPlayer second(folder);
-    std::string log = testing::internal::GetCapturedStderr();
-    const PlayerState& st = second.st;
+    std::unique_ptr<StartedPlayer> second;
+    std::string log = errorsOf([&] { second = std::make_unique<StartedPlayer>(folder); });
+    const PlayerState& st = second->st;
     EXPECT_NE(log.find("keeping the library cache"), std::string::npos) << log;
     ASSERT_EQ(st.playlists.size(), 3u);
     EXPECT_EQ(st.playlists[0].songs.size(), 2u);

@@ -1,13 +1,11 @@
 #include "library/cache.h"
 
 #include "core/playerState.h"
+#include "support/output.h"
 #include "support/tempDir.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
-
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 namespace {
 
@@ -29,11 +27,9 @@ TEST(LibraryCache, LeavesOutOnlyPathsThatAreNotUtf8AndPlaylistsLeftWithoutSongs)
         Playlist{"Mix", {Song{"/music/Mix/a.mp3", 0, 1, 0, 1}, Song{broken, 1, 9, 2, 1}}, 2},
         Playlist{"Only_broken", {Song{broken, 0, 0, 0, 1}}, 1},
         Playlist{"Album \xff name", {Song{"/music/x.mid", 0, 0, 0, 0}}, 1}};
-    CaptureStderr();
-    saveLibraryCache(folder.st);
     const std::string line =
         "Not saved in the library cache, its path is not UTF-8: " + broken + "\n";
-    EXPECT_EQ(GetCapturedStderr(), line + line);
+    EXPECT_EQ(errorsOf([&] { saveLibraryCache(folder.st); }), line + line);
     std::vector<Playlist> back = loadLibraryCache(folder.st);
     ASSERT_EQ(back.size(), 3u);
     EXPECT_EQ(back[0].songs.size(), 1u);
@@ -48,9 +44,7 @@ TEST(LibraryCache, ASaveThatCannotBeWrittenKeepsTheOldFileAndStillSavesTheSettin
     CacheFolder folder;
     folder.st.libraryCachePath = folder.dir.mkdir("taken.json").string();
     folder.st.playlists = {Playlist{"A", {Song{"/m/a.mp3", 0, 0, 0, 1}}, 1}};
-    CaptureStderr();
-    saveLibraryCache(folder.st);
-    EXPECT_EQ(GetCapturedStderr(),
+    EXPECT_EQ(errorsOf([&] { saveLibraryCache(folder.st); }),
               "Failed to open " + folder.st.libraryCachePath + " for writing.\n");
     EXPECT_TRUE(std::filesystem::is_directory(folder.st.libraryCachePath));
     EXPECT_TRUE(std::filesystem::exists(folder.dir.path() / "MusicSettings.json"));

@@ -2,15 +2,11 @@
 
 #include "core/playerState.h"
 #include "library/scan.h"
+#include "support/output.h"
 #include "support/tempDir.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
-
-using testing::internal::CaptureStderr;
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStderr;
-using testing::internal::GetCapturedStdout;
 
 namespace {
 
@@ -57,10 +53,9 @@ TEST(FavoritesFile, AMergeKeepsTheOlderRowOfAPathThatDiffersOnlyInCase) {
     EXPECT_EQ(st.favorites[0].favoriteCount, 1);
     EXPECT_EQ(st.favorites[1].songPath, "/m/rock/b.mp3");
 
-    CaptureStderr();
-    mergeFavoritesFile(st, (dir.path() / "missing.json").string());
-    EXPECT_EQ(GetCapturedStderr(),
-              "Failed to open " + (dir.path() / "missing.json").string() + " for reading.\n");
+    const std::string missing = (dir.path() / "missing.json").string();
+    EXPECT_EQ(errorsOf([&] { mergeFavoritesFile(st, missing); }),
+              "Failed to open " + missing + " for reading.\n");
 }
 
 TEST(FavoritesFile, TheScanMergesOnlyFilesNamedExactlyFavoriteJson) {
@@ -89,10 +84,11 @@ TEST(ApplyFavorites, MatchesByFileNameInAnyCaseOncePerPlaylistInEveryPlaylist) {
                     Playlist{"C", {song("/m/C/other.mp3")}, 1}};
     st.playlists[2].songs[0].isFavorite = 1; // a song no row names keeps its flags
     st.playlists[2].songs[0].favoriteCount = 5;
-    CaptureStdout();
-    applyFavorites(st, {row("C:\\Music\\Old\\song.mp3", 2), row("/m/A/song.mp3", 3),
-                        row("/gone/nowhere.mp3", 1)});
-    EXPECT_EQ(GetCapturedStdout(), "Could not find song: nowhere.mp3\n");
+    EXPECT_EQ(logOf([&] {
+                  applyFavorites(st, {row("C:\\Music\\Old\\song.mp3", 2), row("/m/A/song.mp3", 3),
+                                      row("/gone/nowhere.mp3", 1)});
+              }),
+              "Could not find song: nowhere.mp3\n");
     EXPECT_EQ(st.playlists[0].songs[0].isFavorite, 1);
     EXPECT_EQ(st.playlists[0].songs[0].favoriteCount, 3); // the later row wins
     EXPECT_EQ(st.playlists[0].songs[1].isFavorite, 0);    // only the first of a playlist
@@ -105,9 +101,8 @@ TEST(OlderFavorites, ReadsWindowsLineEndsDropsRowsWithoutAPathAndKeepsLongPathsW
     PlayerState st;
     st.dataDirectory = dir.str();
     st.favorites = {row("/before.mp3", 1)};
-    CaptureStderr();
-    loadOlderFavorites(st);
-    EXPECT_EQ(GetCapturedStderr(), "Failed to open favoriteMusic.cif for reading.\n");
+    EXPECT_EQ(errorsOf([&] { loadOlderFavorites(st); }),
+              "Failed to open favoriteMusic.cif for reading.\n");
     EXPECT_EQ(st.favorites.size(), 1u);
 
     const std::string longPath = "/music/" + std::string(300, 'l') + ".mp3";
@@ -117,12 +112,10 @@ TEST(OlderFavorites, ReadsWindowsLineEndsDropsRowsWithoutAPathAndKeepsLongPathsW
                                        longPath +
                                        "\r\n" + //
                                        "x\r\n1\r\n1\r\n1\r\n/bad-number.mp3\r\n");
-    CaptureStdout();
-    CaptureStderr();
-    loadOlderFavorites(st);
-    EXPECT_EQ(GetCapturedStdout(), "Favorites loaded from favoriteMusic.cif.\n");
-    EXPECT_EQ(GetCapturedStderr(),
+    std::string log;
+    EXPECT_EQ(errorsOf([&] { log = logOf([&] { loadOlderFavorites(st); }); }),
               "favoriteMusic.cif: 1 rows could not be read and were left out.\n");
+    EXPECT_EQ(log, "Favorites loaded from favoriteMusic.cif.\n");
     ASSERT_EQ(st.favorites.size(), 2u);
     EXPECT_EQ(st.favorites[0].songType, 3);
     EXPECT_EQ(st.favorites[0].songIndex, 7);
@@ -133,24 +126,16 @@ TEST(OlderFavorites, ReadsWindowsLineEndsDropsRowsWithoutAPathAndKeepsLongPathsW
     EXPECT_EQ(st.favorites[1].songPath, longPath);
 
     dir.write("favoriteMusic.cif", "");
-    CaptureStdout();
-    loadOlderFavorites(st);
-    EXPECT_EQ(GetCapturedStdout(), "Favorites loaded from favoriteMusic.cif.\n");
+    EXPECT_EQ(logOf([&] { loadOlderFavorites(st); }), "Favorites loaded from favoriteMusic.cif.\n");
     EXPECT_TRUE(st.favorites.empty());
 }
 
 TEST(FavoriteCounts, SongsStopAtZeroWhilePlaylistsAndStationsGoBelow) {
-    Song s;
+    Song s{"/m/a.mp3", 1, 0, 1, musicTypeMp3};
+    countFavoriteDown(s);
     countFavoriteDown(s);
     EXPECT_EQ(s.favoriteCount, 0);
     EXPECT_EQ(s.isFavorite, 0);
-    countFavoriteUp(s);
-    EXPECT_EQ(s.favoriteCount, 1);
-    EXPECT_EQ(s.isFavorite, 1);
-    countFavoriteDown(s);
-    EXPECT_EQ(s.favoriteCount, 0);
-    EXPECT_EQ(s.isFavorite, 0);
-
     Playlist p;
     countFavoriteUp(p);
     countFavoriteDown(p);

@@ -1,6 +1,7 @@
 #include "library/history.h"
 
 #include "core/playerState.h"
+#include "support/output.h"
 #include "support/tempDir.h"
 
 #include <filesystem>
@@ -28,16 +29,12 @@ TEST(HistoryFile, AMissingOrUnwritableFileGivesOneLineAndLeavesTheHistoryAndTheF
     PlayerState st;
     st.songHistory = {{1, 1, 1}};
     std::string missing = (dir.path() / "missing.json").string();
-    testing::internal::CaptureStderr();
-    loadSongHistory(st, missing);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+    EXPECT_EQ(errorsOf([&] { loadSongHistory(st, missing); }),
               "Failed to open " + missing + " for reading.\n");
     EXPECT_EQ(st.songHistory.size(), 1u);
 
     std::string taken = dir.mkdir("Song History.json").string(); // a folder took the name
-    testing::internal::CaptureStderr();
-    saveSongHistory(st, taken);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+    EXPECT_EQ(errorsOf([&] { saveSongHistory(st, taken); }),
               "Failed to open " + taken + " for writing.\n");
     EXPECT_TRUE(std::filesystem::is_directory(taken));
     // And through a link the target is replaced, the link kept.

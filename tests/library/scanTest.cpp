@@ -2,6 +2,7 @@
 
 #include "core/playerState.h"
 #include "support/currentDirectory.h"
+#include "support/output.h"
 #include "support/tempDir.h"
 
 #include <gtest/gtest.h>
@@ -11,9 +12,6 @@
 #include <unistd.h>
 
 namespace {
-
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 // Each playlist as its name and the paths of its songs below the root, in library order.
 using Shape = std::vector<std::pair<std::string, std::vector<std::string>>>;
@@ -66,10 +64,9 @@ TEST(ScanPlaylists, FirstLevelFoldersWithSongsBecomePlaylistsOfEverySongBelow) {
         root.write(name);
     root.mkdir("empty");
     PlayerState st;
-    CaptureStderr();
+    std::vector<Playlist> playlists;
     // A root ending in a slash gives the same paths.
-    std::vector<Playlist> playlists = scanRoot(st, root.str() + "/");
-    EXPECT_EQ(GetCapturedStderr(), "");
+    EXPECT_EQ(errorsOf([&] { playlists = scanRoot(st, root.str() + "/"); }), "");
     EXPECT_EQ(shapeOf(playlists, root),
               (Shape{{"Album",
                       {"Album/C.MID", "Album/d.Mp3", "Album/e.FLAC", "Album/j.Xm", "Album/k.midi",
@@ -130,9 +127,7 @@ TEST(ScanErrors, AMissingRootGivesItsMessageAndNoPlaylists) {
     dir.write("file.mid");
     for (std::string root : {dir.str() + "/missing", dir.str() + "/file.mid", std::string()}) {
         PlayerState st;
-        CaptureStderr();
-        EXPECT_TRUE(scanRoot(st, root).empty());
-        EXPECT_EQ(GetCapturedStderr(),
+        EXPECT_EQ(errorsOf([&] { EXPECT_TRUE(scanRoot(st, root).empty()); }),
                   "Directory does not exist or is not a directory: " + root + "\n");
     }
 }
@@ -152,9 +147,8 @@ TEST(ScanErrors, AnUnreadableSubFolderNeitherEndsTheScanNorLosesSongs) {
         GTEST_SKIP() << "this process reads a folder whatever its mode";
 
     PlayerState st;
-    CaptureStderr();
-    std::vector<Playlist> playlists = scanRoot(st, root.str());
-    EXPECT_EQ(GetCapturedStderr(),
+    std::vector<Playlist> playlists;
+    EXPECT_EQ(errorsOf([&] { playlists = scanRoot(st, root.str()); }),
               "Failed to process file: " + locked.string() + ": Permission denied\n");
     EXPECT_EQ(shapeOf(playlists, root),
               (Shape{{"Album", {"Album/a.mid", "Album/z.mid"}}, {"Other", {"Other/c.mid"}}}));

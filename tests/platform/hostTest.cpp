@@ -2,6 +2,7 @@
 #include "core/windowEvents.h"
 #include "platform/qtHost.h"
 #include "platform/qtSignals.h"
+#include "support/output.h"
 #include "support/tempDir.h"
 
 #include <QApplication>
@@ -49,9 +50,11 @@ TEST(QtBackend, AMessageBoxWithoutADisplayBecomesOneLineInsteadOfBlocking) {
     PlayerState st;
     MainWindow window(st);
     QtBackend backend(st, window);
-    testing::internal::CaptureStderr();
-    platform::messageBox("No soundfont files found.", "Error", platform::Icon::Error, false);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: No soundfont files found.\n");
+    EXPECT_EQ(errorsOf([] {
+                  platform::messageBox("No soundfont files found.", "Error", platform::Icon::Error,
+                                       false);
+              }),
+              "Error: No soundfont files found.\n");
 }
 
 // The handler has written its byte before raise returns, so one turn of the loop reads it. The

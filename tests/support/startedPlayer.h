@@ -3,6 +3,7 @@
 #include "core/startup.h"
 #include "playback/audioSetup.h"
 #include "support/currentDirectory.h"
+#include "support/output.h"
 #include "support/recordingPlatform.h"
 #include "support/tempDir.h"
 
@@ -36,9 +37,7 @@ struct StartedPlayer {
         st.familyRng.seed(1);
         st.selectionRng.seed(2);
         st.rand15.seed(3);
-        testing::internal::CaptureStdout();
-        runStartupSequence(st);
-        output = testing::internal::GetCapturedStdout();
+        output = logOf([&] { runStartupSequence(st); });
     }
     ~StartedPlayer() { freeAudio(st); }
 };

@@ -8,6 +8,7 @@
 #include "library/stations.h"
 #include "settings/configFile.h"
 #include "settings/musicSettings.h"
+#include "support/output.h"
 #include "support/tempDir.h"
 
 #include <cerrno>
@@ -17,9 +18,6 @@
 #include <nlohmann/json.hpp>
 #include <sys/mount.h>
 #include <utility>
-
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 namespace fs = std::filesystem;
 
@@ -125,9 +123,7 @@ TEST_P(PlayerFiles, AreReadQuietlyAndWrittenBackInTheirExactForm) {
     const Stored& row = GetParam();
     TempDir dir;
     dir.write(row.file, row.text);
-    CaptureStderr();
-    readPlayerFile(row.file, dir, /*writeBack=*/true);
-    EXPECT_EQ(GetCapturedStderr(), "");
+    EXPECT_EQ(errorsOf([&] { readPlayerFile(row.file, dir, /*writeBack=*/true); }), "");
     std::string written = TempDir::read(dir.path() / row.file);
     EXPECT_EQ(nlohmann::json::parse(written),
               nlohmann::json::parse(row.written.empty() ? row.text : row.written));
@@ -230,9 +226,8 @@ class DamagedFile : public testing::TestWithParam<Damage> {};
 TEST_P(DamagedFile, IsReadAsFarAsItGoesWithOneLineAndACopyAside) {
     TempDir dir;
     const fs::path file = dir.write(GetParam().file, GetParam().text);
-    CaptureStderr();
-    std::string kept = readPlayerFile(GetParam().file, dir, /*writeBack=*/false);
-    std::string log = GetCapturedStderr();
+    std::string kept;
+    std::string log = errorsOf([&] { kept = readPlayerFile(GetParam().file, dir, false); });
     EXPECT_EQ(kept, GetParam().kept);
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
     EXPECT_NE(log.find(file.string()), std::string::npos) << log;
@@ -357,10 +352,10 @@ TEST(FullDisk, ASaveThatDoesNotFitLeavesTheOldFilesIntact) {
     for (int i = 0; i < 2000; ++i)
         st.playlists[0].songs.push_back(Song{"/m/song " + std::to_string(i) + ".mp3", 0, 1, 0, 1});
     st.volume = 0.1f;
-    CaptureStderr();
-    saveLibraryCache(st);
-    shutdown(st);
-    GetCapturedStderr();
+    errorsOf([&] {
+        saveLibraryCache(st);
+        shutdown(st);
+    });
     EXPECT_EQ(TempDir::read(st.libraryCachePath), before);
     // The small settings file still fits: whole, and new.
     auto saved = nlohmann::json::parse(TempDir::read(disk / settings));

@@ -5,6 +5,7 @@
 #include "media/moduleWriter.h"
 #include "playback/engine/decoder.h"
 #include "playback/engine/engine.h"
+#include "support/output.h"
 #include "support/tempDir.h"
 #include "util/paths.h"
 
@@ -16,13 +17,6 @@
 #include <vector>
 
 constexpr const char* timidityFont = "/usr/share/sounds/sf2/TimGM6mb.sf2";
-
-// What the work printed: the player logs to standard output, so a test reads it or silences it.
-template <typename Work> std::string logOf(Work work) {
-    testing::internal::CaptureStdout();
-    work();
-    return testing::internal::GetCapturedStdout();
-}
 
 inline float peak(const std::vector<float>& samples) {
     float most = 0.0f;
