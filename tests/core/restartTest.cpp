@@ -19,6 +19,13 @@ void stop(PlayerState& st, const GameFolder& folder) {
     shutdown(st);
 }
 
+// A whole run: the start-up, what the user does, and the exit the close box makes.
+template <typename Use> void runOnce(const GameFolder& folder, Use use) {
+    StartedPlayer player(folder);
+    use(player.st);
+    stop(player.st, folder);
+}
+
 // The game's MIDI and tracker folders, each with one album.
 void addGameMusic(const GameFolder& folder) {
     folder.add("HarpTone/MIDI Songs/Marches/x.mid");
@@ -30,9 +37,7 @@ TEST(Restart, BringsBackPlayCountsFavouritesHistoryAndSettingsWithoutAScan) {
     GameFolder folder;
     addGameMusic(folder);
     std::vector<HistoryEntry> rows;
-    {
-        StartedPlayer first(folder);
-        PlayerState& st = first.st;
+    runOnce(folder, [&](PlayerState& st) {
         Song& y = st.playlists[0].songs[1];
         y.playCount = 17;
         countFavoriteUp(y);
@@ -41,8 +46,7 @@ TEST(Restart, BringsBackPlayCountsFavouritesHistoryAndSettingsWithoutAScan) {
         st.playlists[1].iRadioMode = 1;
         st.rawFav = 40; // kept by the start's recount only because a favourite is there
         rows = st.songHistory;
-        stop(st, folder);
-    }
+    });
     const std::string settings = folder.read("data/MusicSettings.json");
     EXPECT_NE(folder.read("data/favorite.json").find("Marches/y.mid"), std::string::npos);
     folder.add("HarpTone/MIDI Songs/Marches/added later.mid"); // no scan may find it
@@ -88,11 +92,7 @@ TEST(Shutdown, WithAnEmptyLibraryAndNoAudioStillWritesEveryFile) {
 TEST(Restart, ALostCacheIsRebuiltOnceFromTheStoredFolders) {
     GameFolder folder;
     addGameMusic(folder);
-    {
-        StartedPlayer first(folder);
-        first.st.volume = 0.3f;
-        stop(first.st, folder);
-    }
+    runOnce(folder, [](PlayerState& st) { st.volume = 0.3f; });
     fs::remove(folder.data + "/musicLibraryCache.json");
     StartedPlayer second(folder);
     EXPECT_NE(second.output.find("No library cache: rebuilding the library from the music "
@@ -111,11 +111,7 @@ TEST_P(LostSettings, NeverReplaceACacheThatHeldSongs) {
     GameFolder folder;
     addGameMusic(folder);
     folder.add("HarpTone/Mp3 Songs/Live/w.mp3");
-    {
-        StartedPlayer first(folder);
-        first.st.playlists[0].songs[0].playCount = 99;
-        stop(first.st, folder);
-    }
+    runOnce(folder, [](PlayerState& st) { st.playlists[0].songs[0].playCount = 99; });
     fs::remove(folder.data + "/MusicSettings.json");
     if (std::string(GetParam()) != "missing")
         folder.root.write("game/data/MusicSettings.json", GetParam());
@@ -128,10 +124,7 @@ TEST_P(LostSettings, NeverReplaceACacheThatHeldSongs) {
     ASSERT_EQ(st.playlists.size(), 3u);
     EXPECT_EQ(st.playlists[0].songs.size(), 2u);
     EXPECT_GE(st.playlists[0].songs[0].playCount, 99);
-    std::vector<std::string> roots = {folder.game + "/HarpTone/MIDI Songs",
-                                      folder.game + "/HarpTone/Mp3 Songs",
-                                      folder.game + "/HarpTone/Tracker Songs"};
-    EXPECT_EQ(st.directoryPaths, roots);
+    EXPECT_EQ(st.directoryPaths, folder.gameRoots());
     EXPECT_TRUE(st.hasMusicFolders);
 }
 
@@ -156,12 +149,10 @@ TEST(Restart, AUserWithoutRootFoldersKeepsTheFavouritesOfTheDefaultFolder) {
     GameFolder folder;
     folder.add("data/Music/Road_trip/a.mid");
     folder.add("data/Music/Road_trip/b.mid");
-    {
-        StartedPlayer first(folder);
-        ASSERT_TRUE(first.st.directoryPaths.empty());
-        countFavoriteUp(first.st.playlists[0].songs[1]);
-        stop(first.st, folder);
-    }
+    runOnce(folder, [](PlayerState& st) {
+        ASSERT_TRUE(st.directoryPaths.empty());
+        countFavoriteUp(st.playlists[0].songs[1]);
+    });
     StartedPlayer second(folder);
     ASSERT_EQ(second.st.playlists.size(), 1u);
     EXPECT_EQ(second.st.playlists[0].songs[1].isFavorite, 1);

@@ -65,10 +65,7 @@ TEST(StartupPaths, AFirstStartEntersTheGamesThreeFoldersAndPlaysFromThem) {
     StartedPlayer player(folder);
     const PlayerState& st = player.st;
 
-    std::vector<std::string> roots = {folder.game + "/HarpTone/MIDI Songs",
-                                      folder.game + "/HarpTone/Mp3 Songs",
-                                      folder.game + "/HarpTone/Tracker Songs"};
-    EXPECT_EQ(st.directoryPaths, roots);
+    EXPECT_EQ(st.directoryPaths, folder.gameRoots());
     EXPECT_TRUE(st.hasMusicFolders);
     ASSERT_EQ(st.playlists.size(), 3u);
     EXPECT_EQ(st.playlists[0].albumName, "Marches");

