@@ -78,8 +78,6 @@ TEST(ScanPlaylists, FirstLevelFoldersWithSongsBecomePlaylistsOfEverySongBelow) {
                                        musicTypeMidi, musicTypeMidi, musicTypeTracker}));
     EXPECT_EQ(playlists[0].songCount, 7);
     EXPECT_EQ(st.scanSongCount, 7);
-    const Song& first = playlists[0].songs[0];
-    EXPECT_EQ(first.isFavorite + first.playCount + first.favoriteCount, 0);
 }
 
 TEST(ScanOrder, FoldersAndFilesAreSortedCaseInsensitivelyAtEveryLevel) {
@@ -172,5 +170,4 @@ TEST(ScanDefault, TheDefaultFolderReplacesTheLibraryWithoutBecomingARoot) {
     EXPECT_EQ(st.playlists[0].albumName, "Album");
     EXPECT_EQ(st.scanSongCount, 1);
     EXPECT_EQ(st.scanPlaylistCount, 1);
-    EXPECT_TRUE(st.directoryPaths.empty());
 }

@@ -22,7 +22,6 @@ TEST_F(Loading, TheFirstSongGoesToBothFieldsAndFadesInAtItsSegment) {
     EXPECT_NE(log.find("Loading next song/radio into musicStreamNext.\n"), std::string::npos);
     ASSERT_NE(st.musicStream, 0u);
     EXPECT_EQ(st.musicStream, st.musicStreamNext);
-    EXPECT_FALSE(st.nextSlotActive);
     EXPECT_EQ(st.playlists[0].songs[0].playCount, 1);
     EXPECT_EQ(st.songTitle, "Only");
     EXPECT_EQ(channelIsActive(st.musicStream), ChannelState::Playing);
@@ -127,7 +126,6 @@ TEST_F(StartupFonts, TheConfigFolderThenTheGamesFolderAreTriedAndEachFailureGive
     runSetUp();
     EXPECT_EQ(platform.boxes.size(), 2u);
     EXPECT_EQ(st.soundFonts, std::vector<std::string>{path("fonts/TimGM6mb.sf2")});
-    EXPECT_EQ(st.soundFontCount, 1);
     EXPECT_EQ(st.marbleTunnelPath, "/elsewhere");
     MidiFontRecord record;
     ASSERT_EQ(midiStreamGetFonts(0, &record, 1), 1);

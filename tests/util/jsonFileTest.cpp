@@ -251,30 +251,23 @@ std::vector<Damage> damagedFiles() {
         table.push_back({tag + std::string("RandomBytes"), file,
                          std::string("\x89PNG\r\n\x1a\n\0\xff", 10), ""});
     }
-    // Lists hold a damaged row, then a good one, which is kept.
+    // Lists hold a damaged row, then a good one, which is kept; under a key of an object or not.
+    auto list = [](const std::string& bad, const std::string& good, const std::string& key = "") {
+        std::string rows = "[" + bad + ", " + good + "]";
+        return key.empty() ? rows : "{\"" + key + "\": " + rows + "}";
+    };
     const std::string song =
         R"({"favoriteCount":0,"isFavorite":0,"musicType":1,"playCount":5,"songPath":"/m/a.mp3"})";
     const std::string playlist = R"({"albumName":"A","songs":[)" + song + "]}";
-    auto playlists = [&](const std::string& bad) {
-        return R"({"playlists": [)" + bad + ", " + playlist + "]}";
-    };
+    auto playlists = [&](const std::string& bad) { return list(bad, playlist, "playlists"); };
     auto songs = [&](const std::string& bad) {
-        return R"({"playlists": [{"albumName":"B","songs":[)" + bad + ", " + song + "]}]}";
+        return R"({"playlists": [{"albumName":"B","songs":)" + list(bad, song) + "}]}";
     };
     const std::string row =
         R"({"favoriteCount":1,"plistIndex":0,"songIndex":0,"songPath":"/m/a.mp3","songType":3})";
-    auto rows = [&](const std::string& bad) {
-        return R"({"favorites": [)" + bad + ", " + row + "]}";
-    };
     const std::string entry = R"({"plistIndex":0,"songIndex":1,"songType":1})";
-    auto entries = [&](const std::string& bad) {
-        return R"({"songs": [)" + bad + ", " + entry + "]}";
-    };
     const std::string station = R"({"name": "S", "url": "http://127.0.0.1/", "favoriteCount": 1})";
     const std::string color = R"({"name": "Black", "r": 0, "g": 0, "b": 0})";
-    auto list = [](const std::string& bad, const std::string& good) {
-        return "[" + bad + ", " + good + "]";
-    };
     const Damage rowsOf[] = {
         {"cacheRootList", cache, "[" + playlist + "]", ""},
         {"cachePlaylistsNotAList", cache, R"({"playlists": "A"})", ""},
@@ -290,15 +283,19 @@ std::vector<Damage> damagedFiles() {
          R"({"playlists": [{"albumName":"B","iRadioMode":"yes","songs":[)" + song + "]}]}", "B:1"},
         {"favoritesRootList", favorites, "[" + row + "]", ""},
         {"favoritesNotAList", favorites, R"({"favorites": {}})", ""},
-        {"favoritesKeyMissing", favorites, rows(R"({"songPath":"/m/b.mp3"})"), "/m/a.mp3"},
-        {"favoritesKeyOfWrongType", favorites, rows(with(row, "\"/m/a.mp3\"", "[\"/m/b.mp3\"]")),
+        {"favoritesKeyMissing", favorites, list(R"({"songPath":"/m/b.mp3"})", row, "favorites"),
          "/m/a.mp3"},
-        {"favoritesHugeNumber", favorites, rows(with(row, ":1,", ":1e40,")), "/m/a.mp3"},
+        {"favoritesKeyOfWrongType", favorites,
+         list(with(row, "\"/m/a.mp3\"", "[\"/m/b.mp3\"]"), row, "favorites"), "/m/a.mp3"},
+        {"favoritesHugeNumber", favorites, list(with(row, ":1,", ":1e40,"), row, "favorites"),
+         "/m/a.mp3"},
         {"historyRootList", history, "[" + entry + "]", ""},
         {"historySongsNotAList", history, R"({"songs": 5})", ""},
-        {"historyKeyMissing", history, entries(with(entry, "plistIndex", "plist")), "1"},
-        {"historyKeyOfWrongType", history, entries(with(entry, ":0", ":\"x\"")), "1"},
-        {"historyHugeNumber", history, entries(with(entry, ":0", ":99999999999999")), "1"},
+        {"historyKeyMissing", history, list(with(entry, "plistIndex", "plist"), entry, "songs"),
+         "1"},
+        {"historyKeyOfWrongType", history, list(with(entry, ":0", ":\"x\""), entry, "songs"), "1"},
+        {"historyHugeNumber", history, list(with(entry, ":0", ":99999999999999"), entry, "songs"),
+         "1"},
         {"stationsRootObject", stations, station, ""},
         {"stationsKeyMissing", stations, list(with(station, "url", "URL"), station), "S"},
         {"stationsKeyOfWrongType", stations, list(with(station, ": 1", ": \"3\""), station), "S"},
