@@ -40,6 +40,13 @@ TEST(LibraryCache, LeavesOutOnlyPathsThatAreNotUtf8AndPlaylistsLeftWithoutSongs)
     EXPECT_EQ(back[2].songs.size(), 1u);
 }
 
+TEST(LibraryCache, AMissingFileIsAnEmptyLibraryWithoutAWordAndASaveWritesTheSettingsToo) {
+    CacheFolder folder;
+    EXPECT_EQ(errorsOf([&] { EXPECT_TRUE(loadLibraryCache(folder.st).empty()); }), "");
+    saveLibraryCache(folder.st);
+    EXPECT_TRUE(std::filesystem::exists(folder.dir.path() / "MusicSettings.json"));
+}
+
 TEST(LibraryCache, ASaveThatCannotBeWrittenKeepsTheOldFileAndStillSavesTheSettings) {
     CacheFolder folder;
     folder.st.libraryCachePath = folder.dir.mkdir("taken.json").string();
