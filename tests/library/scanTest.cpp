@@ -157,6 +157,7 @@ TEST(ScanDefault, TheDefaultFolderReplacesTheLibraryWithoutBecomingARoot) {
     TempDir dir;
     dir.write("Music/Album/a.mid");
     PlayerState st;
+    st.dataDirectory = dir.str(); // where the scan's save of the library puts the settings
     st.libraryCachePath = (dir.path() / "cache.json").string();
     st.playlists.resize(3);
     st.scanSongCount = 40;
