@@ -41,14 +41,11 @@ TEST(Recount, EmptyFamiliesHaveTheirRatiosSilencedForGood) {
     EXPECT_EQ(ratiosOf(st), (Ratios{50, 0, 0, 0, 0}));
 }
 
-TEST(Titles, FolderWordsStartAfterUnderscoresAndDotsButNotBlanks) {
+TEST(Titles, WordsStartAfterUnderscoresAndDotsOrFileCapitalsAndStopAt254Bytes) {
     EXPECT_EQ(titleCaseFolder("my_old.songs"), "My Old Songs");
     EXPECT_EQ(titleCaseFolder("my songs"), "My songs");
     EXPECT_EQ(titleCaseFolder("ROCK_x"), "ROCK X");
     EXPECT_EQ(titleCaseFolder(""), "");
-}
-
-TEST(Titles, FileTitlesSplitAtUnderscoresAndCapitalsAndStopAt254Bytes) {
     EXPECT_EQ(titleFromPath("/music/rock/my_oldSong.mid"), "My Old Song");
     EXPECT_EQ(titleFromPath("C:\\Music\\abc.def.mid"), "Abc.def");
     EXPECT_EQ(titleFromPath("/music/a.b/noExtension"), "");

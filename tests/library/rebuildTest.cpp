@@ -2,12 +2,10 @@
 
 #include "core/libraryEdits.h"
 #include "core/playerState.h"
+#include "support/output.h"
 #include "support/tempDir.h"
 
 #include <gtest/gtest.h>
-
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 TEST(Rebuild, ARootListedTwiceGivesEachPlaylistTwiceAndCountsAfresh) {
     TempDir dir;
@@ -46,8 +44,6 @@ TEST(SoundFonts, OnlyFilesEndingInLowerCaseSf2AreFound) {
 TEST(SoundFonts, AMissingFolderGivesItsMessageAndNoFonts) {
     TempDir dir;
     std::string missing = dir.str() + "/SoundFonts";
-    CaptureStderr();
-    EXPECT_TRUE(scanSoundFonts(missing).empty());
-    EXPECT_EQ(GetCapturedStderr(),
+    EXPECT_EQ(errorsOf([&] { EXPECT_TRUE(scanSoundFonts(missing).empty()); }),
               "Filesystem error: " + missing + ": No such file or directory\n");
 }

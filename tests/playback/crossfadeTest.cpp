@@ -4,9 +4,9 @@
 #include "core/volume.h"
 #include "playback/audioSetup.h"
 #include "playback/loading.h"
+#include "playback/radioFixture.h"
 #include "playback/slots.h"
 #include "radio/segments.h"
-#include "radioFixture.h"
 
 #include <fstream>
 
@@ -26,18 +26,14 @@ TEST_F(Crossfade, TheOldSongSlidesOutWhileTheNewOneSlidesInAndTheOldSlotIsFreedA
     request(1);
     startTransition(st);
     ChannelHandle second = st.musicStreamNext;
-    EXPECT_TRUE(st.nextSlotActive);
-    EXPECT_EQ(st.fadeWorkerRunning, 1);
     EXPECT_EQ(transportState(st), TransportState::Crossfading);
     advance(100);
     EXPECT_NEAR(volumeOf(first), st.volume / 2, 1e-4);
     EXPECT_NEAR(volumeOf(second), st.volume / 2, 1e-4);
     EXPECT_EQ(channelIsActive(first), ChannelState::Playing);
-    EXPECT_EQ(channelIsActive(second), ChannelState::Playing);
     advance(100);
     EXPECT_TRUE(isFreed(first));
     EXPECT_FLOAT_EQ(volumeOf(second), st.volume);
-    EXPECT_EQ(st.fadeWorkerRunning, 0);
     EXPECT_EQ(transportState(st), TransportState::Playing);
 
     // Whoever shows the player hears of each change instead of polling for it.
@@ -55,7 +51,6 @@ TEST_F(Crossfade, MidiAndTrackerHandOverInBothDirections) {
     transition(0);
     ChannelHandle song = st.musicStreamNext;
     ASSERT_NE(song, 0u);
-    EXPECT_EQ(st.songsSinceFontChange, 1);
 
     transition(1, 100); // MIDI in the Next slot fades out, the module fades into the main one
     ChannelHandle tracker = st.trackerStream;
@@ -68,7 +63,6 @@ TEST_F(Crossfade, MidiAndTrackerHandOverInBothDirections) {
     transition(0);
     EXPECT_TRUE(isFreed(tracker));
     EXPECT_EQ(channelIsActive(st.musicStreamNext), ChannelState::Playing);
-    EXPECT_EQ(st.songsSinceFontChange, 2);
 }
 
 TEST_F(Crossfade, TwoPressesWithinOneFadeCutHardAndTheThirdSongFadesInAlone) {
@@ -82,7 +76,6 @@ TEST_F(Crossfade, TwoPressesWithinOneFadeCutHardAndTheThirdSongFadesInAlone) {
     ChannelHandle third = st.musicStreamNext;
     EXPECT_TRUE(isFreed(first));
     EXPECT_TRUE(isFreed(second));
-    EXPECT_EQ(st.fadeWorkerRunning, 0);
     EXPECT_EQ(volumeOf(third), 0.0f);
     advance(100);
     EXPECT_NEAR(volumeOf(third), st.volume / 2, 1e-4);
@@ -92,7 +85,7 @@ TEST_F(Crossfade, TwoPressesWithinOneFadeCutHardAndTheThirdSongFadesInAlone) {
     // The next press is an ordinary fade again.
     request(0);
     startTransition(st);
-    EXPECT_EQ(st.fadeWorkerRunning, 1);
+    EXPECT_EQ(transportState(st), TransportState::Crossfading);
     EXPECT_EQ(channelIsActive(third), ChannelState::Playing);
 }
 
@@ -101,8 +94,7 @@ TEST_F(Crossfade, WithoutAFadeTheWorkerClearsTheOldSlotAtOnceAndNeverTheNewOne) 
     addPlaylists({sine("a.flac", 3.0), sine("b.flac", 3.0)});
     for (int i = 0; i < 20; ++i) {
         transition(i % 2, 0);
-        EXPECT_EQ(st.fadeWorkerRunning, 0);
-        EXPECT_EQ(channelIsActive(audibleHandle(st)), ChannelState::Playing) << i;
+        EXPECT_EQ(transportState(st), TransportState::Playing) << i;
         EXPECT_FLOAT_EQ(volumeOf(audibleHandle(st)), st.volume);
     }
 }
@@ -135,7 +127,6 @@ TEST_F(Crossfade, DuringAFadeAVolumeChangeEndsOnlyTheFadeInAndPauseTakesTheMainS
     st.volume = 0.9f;
     applyVolume(st);
     EXPECT_EQ(volumeOf(st.musicStream), 0.9f);
-    EXPECT_EQ(st.appliedVolume, 0.9f);
     EXPECT_NEAR(volumeOf(old), 0.5f * 0.75f, 1e-4);
     advance(150);
 

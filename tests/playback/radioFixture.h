@@ -1,12 +1,13 @@
 #pragma once
 #include "core/playerState.h"
 #include "core/transport.h"
-#include "engineFixture.h"
 #include "library/model.h"
 #include "playback/crossfade.h"
+#include "playback/engine/engineFixture.h"
 #include "playback/fadeWorker.h"
 #include "support/manualClock.h"
 #include "support/recordingPlatform.h"
+#include "util/paths.h"
 
 // A running radio on the null output: a library of real files, fades on a clock the test moves
 // with the frames it pulls, so every crossfade is heard and timed exactly.
@@ -29,7 +30,8 @@ class Radio : public NullEngine {
     // One playlist per file, so that a request names a song by its playlist.
     void addPlaylists(const std::vector<std::string>& files) {
         for (const std::string& file : files)
-            st.playlists.push_back(Playlist{"Album", {songOf(file)}, 1, 0, 0, 0});
+            st.playlists.push_back(
+                Playlist{"Album", {Song{file, 0, 0, 0, classifyExtension(extensionOf(file))}}, 1});
         recountLibrary(st);
         st.scanSongCount = st.totalSongCount;
         st.scanPlaylistCount = static_cast<int>(st.playlists.size());

@@ -5,8 +5,6 @@
 
 using namespace selectionTest;
 
-// --- Weighting by favourites.
-
 TEST(WeightedDraw, AFavouriteStandsOncePlusItsCountAndAPlainSongOnce) {
     PlayerState st;
     addPlaylist(st, {favorite(musicTypeMp3, 3), song(musicTypeMp3), song(musicTypeMp3, 0, 3),
@@ -24,8 +22,6 @@ TEST(WeightedDraw, AFavouriteStandsOncePlusItsCountAndAPlainSongOnce) {
         EXPECT_NEAR(static_cast<double>(seen[s]) / draws, 1 / 7.0, 0.01) << "song " << s;
     EXPECT_EQ(seen[4], 0);
 }
-
-// --- The favourite filters and the family.
 
 TEST(Filters, EachFilterAndFamilyPlaysOnlyItsSongs) {
     struct Case {
@@ -68,8 +64,6 @@ TEST(Filters, TheFavoritesFamilyHasSongsByTheFlagNotTheCount) {
     EXPECT_TRUE(familyHasSongs(st, familyFavorites));
 }
 
-// --- The repeat window.
-
 TEST(RepeatWindow, NoSongReturnsWhileItIsAmongTheLastRowsUnlessTheDepthIsZero) {
     PlayerState st;
     addPlaylist(st, std::vector<Song>(3, song(musicTypeMp3)));
@@ -110,8 +104,6 @@ TEST(RepeatWindow, MinusOneOrADepthBeyondTheHistoryRefusesEveryRowOfTheSameType)
     }
 }
 
-// --- The plain pick.
-
 TEST(PlainPick, WhenEveryDrawIsRefusedAnySongOfTheLibraryPlays) {
     PlayerState st;
     addPlaylist(st, {song(musicTypeMidi), song(musicTypeMidi)});
@@ -150,8 +142,6 @@ TEST(PlainPick, StaleCountsGiveTheZeroReferenceAndChangeNothing) {
     EXPECT_EQ(st.currentMusicType, musicTypeTracker);
     EXPECT_EQ(st.previousMusicType, musicTypeTracker);
 }
-
-// --- Library order and one playlist.
 
 // In the one-playlist mode too, shuffle off plays the library in order.
 class LibraryOrder : public testing::TestWithParam<int> {};

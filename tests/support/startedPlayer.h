@@ -3,12 +3,14 @@
 #include "core/startup.h"
 #include "playback/audioSetup.h"
 #include "support/currentDirectory.h"
+#include "support/output.h"
 #include "support/recordingPlatform.h"
 #include "support/tempDir.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 // A game folder with the player's data folder inside it, as the player is installed.
 struct GameFolder {
@@ -17,6 +19,11 @@ struct GameFolder {
     std::string data = root.mkdir("game/data").string();
 
     void add(const std::string& relative) const { root.write("game/" + relative, "x"); }
+    // The game's three music folders, the roots of a first start.
+    std::vector<std::string> gameRoots() const {
+        return {game + "/HarpTone/MIDI Songs", game + "/HarpTone/Mp3 Songs",
+                game + "/HarpTone/Tracker Songs"};
+    }
     std::string read(const std::string& relative) const {
         return TempDir::read(root.path() / "game" / relative);
     }
@@ -36,9 +43,7 @@ struct StartedPlayer {
         st.familyRng.seed(1);
         st.selectionRng.seed(2);
         st.rand15.seed(3);
-        testing::internal::CaptureStdout();
-        runStartupSequence(st);
-        output = testing::internal::GetCapturedStdout();
+        output = logOf([&] { runStartupSequence(st); });
     }
     ~StartedPlayer() { freeAudio(st); }
 };

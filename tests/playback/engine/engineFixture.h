@@ -1,28 +1,19 @@
 #pragma once
-#include "library/model.h"
 #include "media/encodedAudio.h"
 #include "media/midiWriter.h"
 #include "media/moduleWriter.h"
 #include "playback/engine/decoder.h"
 #include "playback/engine/engine.h"
+#include "support/output.h"
 #include "support/tempDir.h"
-#include "util/paths.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
 constexpr const char* timidityFont = "/usr/share/sounds/sf2/TimGM6mb.sf2";
-
-// What the work printed: the player logs to standard output, so a test reads it or silences it.
-template <typename Work> std::string logOf(Work work) {
-    testing::internal::CaptureStdout();
-    work();
-    return testing::internal::GetCapturedStdout();
-}
 
 inline float peak(const std::vector<float>& samples) {
     float most = 0.0f;
@@ -63,17 +54,6 @@ class NullEngine : public testing::Test {
     }
 
     std::string path(const std::string& name) const { return (dir.path() / name).string(); }
-    // A library entry for the file, its family from the extension in any case, as the scan does.
-    static Song songOf(const std::string& file) {
-        Song song;
-        song.songPath = file;
-        std::string ext = extensionOf(file);
-        for (char& c : ext)
-            c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        song.musicType = classifyExtension(ext);
-        return song;
-    }
-
     // A sine as a file of the format the name's extension gives.
     std::string sine(const std::string& name, double seconds, double frequency = 441.0) {
         media::SineSpec spec;

@@ -1,4 +1,4 @@
-#include "engineFixture.h"
+#include "playback/engine/engineFixture.h"
 
 #include <atomic>
 #include <random>
@@ -62,20 +62,6 @@ TEST_F(Channels, StaleHandlesFromTwoThreadsAtOnceNeverReachANewChannel) {
     worker.join();
     for (ChannelHandle h : fresh)
         EXPECT_EQ(volumeOf(h), 0.75f);
-}
-
-TEST_F(Channels, EveryFormatKnowsItsLengthWithinFiftyMilliseconds) {
-    std::pair<ChannelHandle, double> cases[] = {
-        {streamCreateFile(sine("a.mp3", 3.0)), 3.0},
-        {streamCreateFile(sine("a.m4a", 3.0)), 3.0},
-        {streamCreateFile(sine("a.flac", 3.0)), 3.0},
-        {streamCreateFile(midi("a.mid", 4.0)), midiSeconds}, // without a font, too
-        {musicLoad(module("a.mod")), moduleSeconds},
-    };
-    for (auto [handle, seconds] : cases) {
-        ASSERT_NE(handle, 0u);
-        EXPECT_NEAR(channelBytesToSeconds(handle, channelGetLength(handle)), seconds, 0.05);
-    }
 }
 
 TEST_F(Channels, AFileStreamLoopsWhenItsEndIsHeardAndAModuleStopsThere) {

@@ -3,7 +3,7 @@
 #include "core/transport.h"
 #include "core/windowEvents.h"
 #include "playback/crossfade.h"
-#include "radioFixture.h"
+#include "playback/radioFixture.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "engineFixture.h"
+#include "playback/engine/engineFixture.h"
 
 #include <optional>
 

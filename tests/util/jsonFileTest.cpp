@@ -1,0 +1,366 @@
+#include "util/jsonFile.h"
+
+#include "core/libraryEdits.h"
+#include "core/playerState.h"
+#include "core/shutdown.h"
+#include "library/cache.h"
+#include "library/favorites.h"
+#include "library/history.h"
+#include "library/stations.h"
+#include "settings/configFile.h"
+#include "settings/musicSettings.h"
+#include "support/output.h"
+#include "support/tempDir.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sys/mount.h>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string cache = "musicLibraryCache.json", favorites = "favorite.json",
+                  history = "Song History.json", stations = "InternetStations.json",
+                  colors = "colors.json", config = "config.json", settings = "MusicSettings.json";
+
+// The settings that differ from a fresh player's, as key=value. Saves into a folder of its own.
+std::string changedSettings(PlayerState& st) {
+    TempDir scratch;
+    auto saved = [&](PlayerState& s) {
+        std::string folder = std::exchange(s.dataDirectory, scratch.str());
+        saveMusicSettings(s);
+        s.dataDirectory = folder;
+        return nlohmann::json::parse(TempDir::read(scratch.path() / settings));
+    };
+    PlayerState fresh;
+    const nlohmann::json defaults = saved(fresh), now = saved(st);
+    std::string changed;
+    for (const auto& [key, value] : now.items())
+        if (value != defaults.at(key))
+            changed += (changed.empty() ? "" : " ") + key + "=" + value.dump();
+    return changed;
+}
+
+// Reads one of the player's files in dir with the player's own reader, and writes it back with
+// its writer when asked. Tells what the reader kept: a word for each playlist (name:songs), row,
+// station, colour or config path, or the settings that differ from a fresh player's.
+std::string readPlayerFile(const std::string& file, const TempDir& dir, bool writeBack) {
+    PlayerState st;
+    st.dataDirectory = dir.str();
+    const std::string path = (dir.path() / file).string();
+    st.libraryCachePath = path;
+    std::string kept;
+    auto keep = [&](const std::string& word) { kept += (kept.empty() ? "" : " ") + word; };
+    if (file == cache) {
+        st.playlists = loadLibraryCache(st);
+        for (const Playlist& playlist : st.playlists)
+            keep(playlist.albumName + ":" + std::to_string(playlist.songs.size()));
+        if (writeBack)
+            saveLibraryCache(st);
+    } else if (file == favorites) {
+        mergeFavoritesFile(st, path);
+        for (const FavoriteEntry& row : st.favorites)
+            keep(row.songPath);
+        if (writeBack)
+            saveFavoritesFile(st, path);
+    } else if (file == history) {
+        loadSongHistory(st, path);
+        for (const HistoryEntry& row : st.songHistory)
+            keep(std::to_string(row.songIndex));
+        if (writeBack)
+            saveSongHistory(st, path);
+    } else if (file == stations) {
+        EXPECT_TRUE(loadStations(st, path));
+        for (const RadioStation& station : st.radioStations)
+            keep(station.name);
+        if (writeBack)
+            saveStations(st, path);
+    } else if (file == colors) {
+        std::vector<ColorEntry> read = loadColors(path);
+        for (const ColorEntry& color : read)
+            keep(color.name);
+        if (writeBack)
+            saveColors(read, path);
+    } else if (file == config) {
+        ConfigPaths paths = loadConfig(st);
+        for (const std::string& found : {paths.soundFontDirectoryPath, paths.marbleTunnelPath})
+            if (!found.empty())
+                keep(found);
+        st.soundFontDirectoryPath = paths.soundFontDirectoryPath;
+        st.marbleTunnelPath = paths.marbleTunnelPath;
+        if (writeBack)
+            saveConfig(st);
+    } else {
+        EXPECT_TRUE(loadMusicSettings(st, path)); // a damaged file counts as read
+        kept = changedSettings(st);
+        if (writeBack)
+            saveMusicSettings(st);
+    }
+    return kept;
+}
+
+struct Stored {
+    std::string name;
+    std::string file;
+    std::string text;
+    // What the writer gives back for it, compared as JSON; empty: the same document.
+    std::string written = "";
+    // text is in the writer's own layout, and comes back to the byte.
+    bool exact = false;
+};
+
+void PrintTo(const Stored& row, std::ostream* os) {
+    *os << row.name;
+}
+
+class PlayerFiles : public testing::TestWithParam<Stored> {};
+
+TEST_P(PlayerFiles, AreReadQuietlyAndWrittenBackInTheirExactForm) {
+    const Stored& row = GetParam();
+    TempDir dir;
+    dir.write(row.file, row.text);
+    EXPECT_EQ(errorsOf([&] { readPlayerFile(row.file, dir, /*writeBack=*/true); }), "");
+    std::string written = TempDir::read(dir.path() / row.file);
+    EXPECT_EQ(nlohmann::json::parse(written),
+              nlohmann::json::parse(row.written.empty() ? row.text : row.written));
+    if (row.exact) {
+        EXPECT_EQ(written, row.text);
+    }
+}
+
+// Every setting away from its default; volumes that a float holds exactly.
+const std::string everySettingChanged = R"({"FADE_DURATION_MS": 20000, "bkGrB": 6, "bkGrG": 5,
+    "bkGrR": 4, "bkTextureAlpha": 14, "borderlessAuto": 1, "currentBkTextureName": "Leather",
+    "currentLCDTextureName": "LCD", "directoryPaths": ["/music/Ünïcode", "/music/\"q\"", "/"],
+    "highVolume": 1.0, "historyDepth": -1, "iSongPlayDurationMax": 600, "iSongPlayDurationMin": 2,
+    "lowVolume": 0.0, "randomColorPlayer": 1, "rawFav": 8, "rawMIDI": 0, "rawMP3": 100,
+    "rawRadio": 9, "rawTracker": 7, "rumbleTime": 1234, "rumbleTimeToggle": 0, "songB": 12,
+    "songG": 11, "songPlayDurationMax": 1000, "songPlayDurationMin": 1, "songR": 10,
+    "songsBeforeSoundfontChange": 20, "textB": 3, "textG": 2, "textR": 1, "textureAlpha": 13,
+    "useRumble": false, "useRumbleToggle": false, "versionCheck": false, "volumeLevel": 0.375,
+    "windowAlpha": 0})";
+
+// The cache writes its text itself, so its escapes, scripts and numbers are compared to the byte
+// with what the JSON library writes, as the other files are written.
+const Stored storedFiles[] = {
+    {"cache", cache, R"({
+    "playlists": [
+        {
+            "albumName": "Odd \"one\"\u0002",
+            "favoriteCount": -2,
+            "iRadioMode": 1,
+            "isFavorite": 1,
+            "songs": [
+                {
+                    "favoriteCount": 2147483647,
+                    "isFavorite": 1,
+                    "musicType": 2,
+                    "playCount": -3,
+                    "songPath": "/m/\"q\" \\ \t\n\b\f\r\u0001\u001f Café Мелодия 東京 🎵.xm"
+                }
+            ]
+        },
+        {
+            "albumName": "Empty",
+            "favoriteCount": 0,
+            "iRadioMode": 0,
+            "isFavorite": 0
+        }
+    ]
+})",
+     "", true},
+    {"cacheEmpty", cache, "null", "", true},
+    {"cacheWithoutPlaylists", cache, "{}", "null"},
+    // Older files: booleans and any number; the stored family is trusted, not the extension.
+    {"cacheOlder", cache,
+     R"({"playlists": [{"albumName": "Old", "songs": [{"favoriteCount": 2.9,
+         "isFavorite": true, "musicType": 2, "playCount": -4.5, "songPath": "/m/a.mp3"}]}]})",
+     R"({"playlists": [{"albumName": "Old", "favoriteCount": 0, "iRadioMode": 0, "isFavorite": 0,
+         "songs": [{"favoriteCount": 2, "isFavorite": 1, "musicType": 2, "playCount": -4,
+         "songPath": "/m/a.mp3"}]}]})"},
+    {"favorites", favorites, R"({"favorites": [{"favoriteCount": 4, "plistIndex": 0,
+         "songIndex": 1, "songPath": "/m/A/y.xm", "songType": 4}]})"},
+    {"favoritesEmpty", favorites, "null"},
+    {"history", history,
+     "{\n    \"songs\": [\n        {\n            \"plistIndex\": 2,\n"
+     "            \"songIndex\": 7,\n            \"songType\": 1\n"
+     "        },\n        {\n            \"plistIndex\": 4,\n"
+     "            \"songIndex\": 4,\n            \"songType\": 3\n        }\n    ]\n}",
+     "", true},
+    {"historyEmpty", history, "null"},
+    // The same address twice stays twice.
+    {"stations", stations, R"([{"favorite": 1, "favoriteCount": 4, "name": "", "url": "http://h/a"},
+        {"favorite": 0, "favoriteCount": -1, "name": "Jazz", "url": "http://h/a"}])"},
+    {"stationsEmpty", stations, "null"},
+    {"stationsOlder", stations, R"([{"name": "Old", "url": "http://127.0.0.1/"}])",
+     R"([{"favorite": 0, "favoriteCount": 0, "name": "Old", "url": "http://127.0.0.1/"}])"},
+    {"colors", colors, R"([{"b": 3, "g": 2, "name": "Black", "r": 1}])"},
+    {"config", config, R"({"marbleTunnelPath": "/games/tunnel", "soundFontDirectoryPath": "/f"})"},
+    {"configOneKey", config, R"({"soundFontDirectoryPath": "/fonts"})",
+     R"({"marbleTunnelPath": "", "soundFontDirectoryPath": "/fonts"})"},
+    {"settings", settings, everySettingChanged},
+};
+
+INSTANTIATE_TEST_SUITE_P(Files, PlayerFiles, testing::ValuesIn(storedFiles),
+                         [](const auto& info) { return info.param.name; });
+
+// A damaged file of each kind: read as far as it goes, one line naming it, the original kept and a
+// copy of it aside.
+struct Damage {
+    std::string name;
+    std::string file;
+    std::string text;
+    std::string kept;
+};
+
+void PrintTo(const Damage& row, std::ostream* os) {
+    *os << row.name;
+}
+
+class DamagedFile : public testing::TestWithParam<Damage> {};
+
+TEST_P(DamagedFile, IsReadAsFarAsItGoesWithOneLineAndACopyAside) {
+    TempDir dir;
+    const fs::path file = dir.write(GetParam().file, GetParam().text);
+    std::string kept;
+    std::string log = errorsOf([&] { kept = readPlayerFile(GetParam().file, dir, false); });
+    EXPECT_EQ(kept, GetParam().kept);
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
+    EXPECT_NE(log.find(file.string()), std::string::npos) << log;
+    EXPECT_EQ(TempDir::copiesAside(dir.path()), 1);
+    EXPECT_EQ(TempDir::read(file), GetParam().text);
+}
+
+// The string with its first `from` replaced by `to`.
+std::string with(std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.find(from), from.size(), to);
+}
+
+std::vector<Damage> damagedFiles() {
+    const std::pair<const char*, std::string> files[] = {
+        {"cache", cache},   {"favorites", favorites}, {"history", history},  {"stations", stations},
+        {"colors", colors}, {"config", config},       {"settings", settings}};
+    std::vector<Damage> table;
+    for (const auto& [tag, file] : files) {
+        table.push_back({tag + std::string("NotJson"), file, "{\"a\": [", ""});
+        table.push_back({tag + std::string("Empty"), file, "", ""});
+        table.push_back({tag + std::string("RandomBytes"), file,
+                         std::string("\x89PNG\r\n\x1a\n\0\xff", 10), ""});
+    }
+    // Lists hold a damaged row, then a good one, which is kept; under a key of an object or not.
+    auto list = [](const std::string& bad, const std::string& good, const std::string& key = "") {
+        std::string rows = "[" + bad + ", " + good + "]";
+        return key.empty() ? rows : "{\"" + key + "\": " + rows + "}";
+    };
+    const std::string song =
+        R"({"favoriteCount":0,"isFavorite":0,"musicType":1,"playCount":5,"songPath":"/m/a.mp3"})";
+    const std::string playlist = R"({"albumName":"A","songs":[)" + song + "]}";
+    auto playlists = [&](const std::string& bad) { return list(bad, playlist, "playlists"); };
+    auto songs = [&](const std::string& bad) {
+        return R"({"playlists": [{"albumName":"B","songs":)" + list(bad, song) + "}]}";
+    };
+    const std::string row =
+        R"({"favoriteCount":1,"plistIndex":0,"songIndex":0,"songPath":"/m/a.mp3","songType":3})";
+    const std::string entry = R"({"plistIndex":0,"songIndex":1,"songType":1})";
+    const std::string station = R"({"name": "S", "url": "http://127.0.0.1/", "favoriteCount": 1})";
+    const std::string color = R"({"name": "Black", "r": 0, "g": 0, "b": 0})";
+    const Damage rowsOf[] = {
+        {"cacheRootList", cache, "[" + playlist + "]", ""},
+        {"cachePlaylistsNotAList", cache, R"({"playlists": "A"})", ""},
+        {"cacheCutShort", cache, R"({"playlists": [)" + playlist + R"(, {"albumName": "B", "so)",
+         "A:1"},
+        {"cacheNullPlaylist", cache, playlists("null"), "A:1"},
+        {"cacheKeyMissing", cache, playlists(with(playlist, "albumName", "album")), "A:1"},
+        {"cacheSongsNotAList", cache, playlists(R"({"albumName":"B","songs":7})"), "A:1"},
+        {"cacheSongKeyMissing", cache, songs(R"({"songPath":"/m/b.mp3"})"), "B:1"},
+        {"cacheKeyOfWrongType", cache, songs(with(song, "\"/m/a.mp3\"", "12")), "B:1"},
+        {"cacheHugeNumber", cache, songs(with(song, ":5", ":1e300")), "B:1"},
+        {"cachePlaylistValueOfWrongType", cache,
+         R"({"playlists": [{"albumName":"B","iRadioMode":"yes","songs":[)" + song + "]}]}", "B:1"},
+        {"favoritesRootList", favorites, "[" + row + "]", ""},
+        {"favoritesNotAList", favorites, R"({"favorites": {}})", ""},
+        {"favoritesKeyMissing", favorites, list(R"({"songPath":"/m/b.mp3"})", row, "favorites"),
+         "/m/a.mp3"},
+        {"favoritesKeyOfWrongType", favorites,
+         list(with(row, "\"/m/a.mp3\"", "[\"/m/b.mp3\"]"), row, "favorites"), "/m/a.mp3"},
+        {"favoritesHugeNumber", favorites, list(with(row, ":1,", ":1e40,"), row, "favorites"),
+         "/m/a.mp3"},
+        {"historyRootList", history, "[" + entry + "]", ""},
+        {"historySongsNotAList", history, R"({"songs": 5})", ""},
+        {"historyKeyMissing", history, list(with(entry, "plistIndex", "plist"), entry, "songs"),
+         "1"},
+        {"historyKeyOfWrongType", history, list(with(entry, ":0", ":\"x\""), entry, "songs"), "1"},
+        {"historyHugeNumber", history, list(with(entry, ":0", ":99999999999999"), entry, "songs"),
+         "1"},
+        {"stationsRootObject", stations, station, ""},
+        {"stationsKeyMissing", stations, list(with(station, "url", "URL"), station), "S"},
+        {"stationsKeyOfWrongType", stations, list(with(station, ": 1", ": \"3\""), station), "S"},
+        {"stationsHugeNumber", stations, list(with(station, ": 1", ": 1e20"), station), "S"},
+        {"colorsRootObject", colors, "{\"a\": " + color + "}", ""},
+        {"colorsKeyMissing", colors, list(R"({"name": "X", "r": 1})", color), "Black"},
+        {"colorsKeyOfWrongType", colors, list(with(color, "\"Black\"", "7"), color), "Black"},
+        {"colorsHugeNumber", colors, list(with(color, "\"r\": 0", "\"r\": 1e99"), color), "Black"},
+        {"configRootList", config, R"(["/fonts"])", ""},
+        {"configKeyOfWrongType", config,
+         R"({"soundFontDirectoryPath": "/fonts", "marbleTunnelPath": 7})", "/fonts"},
+        {"settingsRootList", settings, R"([{"rawMIDI": 77}])", ""},
+        {"settingsKeysOfWrongType", settings,
+         R"({"rawMIDI": 77, "rawMP3": "60", "useRumble": 0, "volumeLevel": "loud",
+            "directoryPaths": ["/a", 3], "currentBkTextureName": 5, "randomColorPlayer": null,
+            "versionCheck": "false"})",
+         "rawMIDI=77"},
+        {"settingsHugeNumbers", settings,
+         R"({"rawMIDI": 77, "rawFav": 1e300, "textR": 99999999999999999999,
+            "bkGrR": -3000000000, "lowVolume": 1e39, "songR": 2147483648})",
+         "rawMIDI=77"},
+    };
+    table.insert(table.end(), std::begin(rowsOf), std::end(rowsOf));
+    return table;
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, DamagedFile, testing::ValuesIn(damagedFiles()),
+                         [](const auto& info) { return info.param.name; });
+
+// A small file system of its own, filled up: a save that does not fit leaves the old file whole
+// and no half-written one beside it. Needs the right to mount, which a test machine may not give.
+TEST(FullDisk, ASaveThatDoesNotFitLeavesTheOldFilesIntact) {
+    TempDir dir;
+    fs::path disk = dir.mkdir("disk");
+    if (::mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=64k") != 0)
+        GTEST_SKIP() << "cannot mount a small file system here: " << std::strerror(errno);
+    struct Unmount {
+        fs::path at;
+        ~Unmount() { ::umount2(at.c_str(), MNT_DETACH); }
+    } unmount{disk};
+
+    PlayerState st;
+    st.dataDirectory = disk.string();
+    st.libraryCachePath = (disk / cache).string();
+    st.playlists = {Playlist{"A", {Song{"/m/a.mp3", 0, 3, 0, 1}}, 1}};
+    saveLibraryCache(st);
+    const std::string before = TempDir::read(st.libraryCachePath);
+    ASSERT_FALSE(before.empty());
+    // What is left of the disk is far less than the library below needs.
+    dir.write("disk/filler", std::string(40 * 1024, 'x'));
+    for (int i = 0; i < 2000; ++i)
+        st.playlists[0].songs.push_back(Song{"/m/song " + std::to_string(i) + ".mp3", 0, 1, 0, 1});
+    st.volume = 0.1f;
+    errorsOf([&] {
+        saveLibraryCache(st);
+        shutdown(st);
+    });
+    EXPECT_EQ(TempDir::read(st.libraryCachePath), before);
+    // The small settings file still fits: whole, and new.
+    auto saved = nlohmann::json::parse(TempDir::read(disk / settings));
+    EXPECT_FLOAT_EQ(saved["volumeLevel"].get<float>(), 0.1f);
+    for (const auto& entry : fs::directory_iterator(disk))
+        EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos)
+            << entry.path();
+}
+
+} // namespace
