@@ -146,6 +146,22 @@ TEST_F(Channels, SlidesMoveSampleBySampleTwoAtOnceAndASetVolumeEndsOne) {
     EXPECT_EQ(volumeOf(up), 1.0f);
 }
 
+// One NaN or infinity in a volume would reach the shared output and silence every channel.
+TEST_F(Channels, ANaNOrInfiniteVolumeIsRefusedAndTheSongPlaysOnAtItsLevel) {
+    ChannelHandle song = streamCreateFile(sine("a.flac", 2.0));
+    ASSERT_TRUE(channelSetVolume(song, 0.5f));
+    ASSERT_TRUE(channelPlay(song));
+    for (bool slide : {false, true}) {
+        for (float bad : {NAN, INFINITY, -INFINITY}) {
+            SCOPED_TRACE(testing::Message() << (slide ? "slide to " : "set to ") << bad);
+            EXPECT_FALSE(slide ? channelSlideVolume(song, bad, 100) : channelSetVolume(song, bad));
+            EXPECT_EQ(engineErrorCode(), EngineError::IllegalParam);
+            EXPECT_EQ(volumeOf(song), 0.5f);
+            EXPECT_NEAR(peak(nullOutputPull(4410)), 0.25f, 2e-3);
+        }
+    }
+}
+
 TEST_F(Channels, AMidiStreamIsSilentWithoutAFontAndNewOnesTakeTheDefaultFont) {
     ChannelHandle bare = streamCreateFile(midi("a.mid", 3.0));
     ASSERT_NE(bare, 0u);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <set>
 #include <thread>
 
@@ -334,6 +335,8 @@ bool musicFree(ChannelHandle handle) {
 
 bool channelSetVolume(ChannelHandle handle, float volume) {
     return withChannel(handle, false, [volume](Channel& ch, Slot&) {
+        if (!std::isfinite(volume))
+            return fail(EngineError::IllegalParam, false);
         std::uint64_t now = ch.played.load(std::memory_order_acquire);
         ch.volume.store(VolumeRamp{volume, volume, now, 0});
         return succeed(true);
@@ -349,6 +352,8 @@ bool channelGetVolume(ChannelHandle handle, float& volume) {
 
 bool channelSlideVolume(ChannelHandle handle, float target, int milliseconds) {
     return withChannel(handle, false, [=](Channel& ch, Slot&) {
+        if (!std::isfinite(target))
+            return fail(EngineError::IllegalParam, false);
         std::uint64_t now = ch.played.load(std::memory_order_acquire);
         float from = ch.volume.load().at(now);
         ch.volume.store(VolumeRamp{from, target, now, msToFrames(milliseconds)});

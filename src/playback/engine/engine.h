@@ -71,7 +71,8 @@ ChannelState channelIsActive(ChannelHandle handle);
 bool streamFree(ChannelHandle handle);
 bool musicFree(ChannelHandle handle);
 
-// --- Volume, positions, tags. A slide moves with the frames the channel plays.
+// --- Volume, positions, tags. A slide moves with the frames the channel plays. A volume that is
+// NaN or infinite fails with IllegalParam and leaves the channel's volume as it was.
 bool channelSetVolume(ChannelHandle handle, float volume);
 bool channelGetVolume(ChannelHandle handle, float& volume);
 bool channelSlideVolume(ChannelHandle handle, float target, int milliseconds);
