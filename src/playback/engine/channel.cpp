@@ -1,11 +1,12 @@
 #include "playback/engine/channel.h"
 
-#include <chrono>
-
 namespace {
 // Frames a decode thread renders at a time: small enough to keep the lock short, large enough
 // that the decoders work in efficient blocks.
 constexpr std::size_t chunkFrames = 1024;
+// Room in the ring that wakes a sleeping decode thread: a quarter of the ring, so that it wakes
+// about five times a second to top the ring up rather than at every block the mixer takes.
+constexpr std::size_t refillFrames = 8192;
 } // namespace
 
 void SharedRamp::store(const VolumeRamp& ramp) {
@@ -39,6 +40,7 @@ Channel::Channel(std::unique_ptr<Decoder> source, bool loopsAtEnd)
 
 Channel::~Channel() {
     quit_.store(true, std::memory_order_release);
+    wakeDecoder();
     if (thread_.joinable())
         thread_.join();
 }
@@ -54,15 +56,48 @@ bool Channel::hasPrefill(std::size_t frames) const {
     return ring.available() >= frames || ended.load(std::memory_order_acquire);
 }
 
+bool Channel::waitForPrefill(std::size_t frames, std::chrono::steady_clock::time_point deadline) {
+    std::unique_lock lock(progressLock_);
+    return progress_.wait_until(lock, deadline, [&] { return hasPrefill(frames); });
+}
+
+void Channel::wakeDecoder() {
+    wake_.fetch_add(1);
+    wake_.notify_one();
+}
+
+// Sequentially consistent with the decode thread's asleep_ and wake_: either it sees the room
+// made here before it sleeps, or this sees it asleep and wakes it.
+void Channel::noteFramesTaken() {
+    if (ring.space() < refillFrames)
+        return;
+    wake_.fetch_add(1);
+    if (asleep_.load())
+        wake_.notify_one();
+}
+
+void Channel::signalProgress() {
+    { std::lock_guard lock(progressLock_); } // a waiter is either before its test or asleep
+    progress_.notify_all();
+}
+
 void Channel::decodeLoop() {
-    while (!quit_.load(std::memory_order_acquire)) {
+    for (;;) {
+        asleep_.store(true);
+        std::uint32_t seen = wake_.load();
+        if (quit_.load(std::memory_order_acquire))
+            return;
         bool worked = false;
         {
             std::lock_guard lock(decoderLock);
             worked = fillLocked();
         }
-        if (!worked)
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        if (worked) {
+            asleep_.store(false, std::memory_order_relaxed);
+            signalProgress();
+        } else {
+            wake_.wait(seen); // until the mixer made room, or the control side has work
+        }
     }
 }
 

@@ -5,6 +5,8 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -87,12 +89,30 @@ struct Channel {
     void restartAt(std::uint64_t frame);
     // Decoded frames ready to mix, including the end of a module.
     bool hasPrefill(std::size_t frames) const;
+    // Any thread but the mixer, holding no lock that the mixer or the decode thread needs: false
+    // when the deadline came first.
+    bool waitForPrefill(std::size_t frames, std::chrono::steady_clock::time_point deadline);
+
+    // Wakes the decode thread for work that the control side gave it.
+    void wakeDecoder();
+    // The mixer, after it took frames: wakes the decode thread once there is room for a refill.
+    // Lock-free: an atomic add, and a futex wake only when the decode thread sleeps.
+    void noteFramesTaken();
 
   private:
     void decodeLoop();
     bool fillLocked(); // one chunk under decoderLock; false when there was nothing to do
+    void signalProgress();
 
     std::vector<float> scratch_;
     std::atomic<bool> quit_{false};
+    // The decode thread sleeps on wake_ (std::atomic::wait), so that the mixer can wake it
+    // without a lock; asleep_ spares the mixer the wake-up call while it works.
+    std::atomic<std::uint32_t> wake_{0};
+    std::atomic<bool> asleep_{false};
+    // Waiters for decoded audio (play, the null output) sleep here; the decode thread signals
+    // after every chunk and at the end.
+    std::mutex progressLock_;
+    std::condition_variable progress_;
     std::thread thread_;
 };

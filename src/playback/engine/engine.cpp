@@ -11,7 +11,6 @@
 #include <chrono>
 #include <cmath>
 #include <set>
-#include <thread>
 
 namespace {
 
@@ -21,11 +20,16 @@ constexpr std::uint32_t slotMask = (1u << slotBits) - 1;
 constexpr std::uint32_t generationMask = (fontBit - 1) >> slotBits;
 // Decoded audio a channel holds before it becomes audible: about 90 ms.
 constexpr std::size_t prefillFrames = 4096;
+// How long a play waits for that audio: the user-interface thread must not hang on a decoder.
+constexpr auto playWaitBound = std::chrono::seconds(2);
+// How long the null output waits for a decoder before it mixes what there is.
+constexpr auto pullWaitBound = std::chrono::seconds(10);
 
 struct Slot {
     std::mutex control; // serialises every call on this slot, from any thread
     std::atomic<ChannelHandle> handle{0};
-    std::unique_ptr<Channel> channel;
+    // Shared with a call that waits for the channel without the slot's lock.
+    std::shared_ptr<Channel> channel;
 };
 
 struct FontEntry {
@@ -90,7 +94,7 @@ template <typename T, typename Work> T withChannel(ChannelHandle handle, T faile
 }
 
 // Takes the channel out of the mixer's sight and out of its slot; the caller destroys it.
-std::unique_ptr<Channel> detachLocked(Slot& slot, int index) {
+std::shared_ptr<Channel> detachLocked(Slot& slot, int index) {
     {
         OutputLock lock(*engine().output);
         engine().mixer.live[index].store(nullptr, std::memory_order_release);
@@ -102,7 +106,7 @@ std::unique_ptr<Channel> detachLocked(Slot& slot, int index) {
 void Engine::shutDownLocked() {
     if (!initialized)
         return;
-    std::vector<std::unique_ptr<Channel>> gone;
+    std::vector<std::shared_ptr<Channel>> gone;
     for (int i = 0; i < maxChannels; ++i) {
         std::lock_guard lock(slots[i].control);
         if (slots[i].channel)
@@ -190,7 +194,7 @@ ChannelHandle createChannel(const std::string& path, bool module) {
 }
 
 bool freeChannel(ChannelHandle handle) {
-    std::unique_ptr<Channel> gone;
+    std::shared_ptr<Channel> gone;
     bool ok = withChannel(handle, false, [&](Channel&, Slot& slot) {
         gone = detachLocked(slot, static_cast<int>((handle & slotMask) - 1));
         return true;
@@ -288,14 +292,19 @@ ChannelHandle musicLoad(const std::string& path) {
 }
 
 bool channelPlay(ChannelHandle handle) {
+    std::shared_ptr<Channel> waited;
+    bool known = withChannel(handle, false, [&waited](Channel&, Slot& slot) {
+        waited = slot.channel;
+        return true;
+    });
+    if (!known)
+        return false;
+    // Audible only once there is audio to hear, so the start never begins with a gap. The wait
+    // holds no lock, so that a fade-out worker can stop or free the channel meanwhile; a decoder
+    // slower than the bound leaves the channel playing what comes when it comes.
+    waited->waitForPrefill(prefillFrames, std::chrono::steady_clock::now() + playWaitBound);
+    waited.reset();
     return withChannel(handle, false, [](Channel& ch, Slot&) {
-        int state = ch.state.load(std::memory_order_acquire);
-        if (state == static_cast<int>(ChannelState::Playing))
-            return succeed(true);
-        // Audible only once there is audio to hear, so the start never begins with a gap.
-        auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-        while (!ch.hasPrefill(prefillFrames) && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::sleep_for(std::chrono::microseconds(200));
         ch.state.store(static_cast<int>(ChannelState::Playing), std::memory_order_release);
         return succeed(true);
     });
@@ -398,6 +407,7 @@ bool channelSetPosition(ChannelHandle handle, std::uint64_t bytes) {
             return fail(EngineError::Position, false);
         OutputLock outputLock(*engine().output);
         ch.restartAt(frame);
+        ch.wakeDecoder();
         return succeed(true);
     });
 }
@@ -499,14 +509,14 @@ std::vector<float> nullOutputPull(std::size_t frames) {
     for (std::size_t done = 0; done < frames; done += block) {
         std::size_t count = std::min(block, frames - done);
         // Not real time: wait for the decoders, so a test hears the same mix on every run. The
-        // lock keeps every channel in place while it is waited for.
+        // lock keeps every channel in place while it is waited for; the decode threads never
+        // take it.
         OutputLock lock(*e.output);
+        auto deadline = std::chrono::steady_clock::now() + pullWaitBound;
         for (auto& live : e.mixer.live) {
             Channel* ch = live.load(std::memory_order_acquire);
-            if (!ch || ch->state.load() != static_cast<int>(ChannelState::Playing))
-                continue;
-            for (int i = 0; i < 20000 && !ch->hasPrefill(count); ++i)
-                std::this_thread::sleep_for(std::chrono::microseconds(100));
+            if (ch && ch->state.load() == static_cast<int>(ChannelState::Playing))
+                ch->waitForPrefill(count, deadline);
         }
         mixBlock(e.mixer, mixed.data() + done * 2, count);
     }

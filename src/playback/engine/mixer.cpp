@@ -40,6 +40,7 @@ void mixChannel(Channel& ch, float* out, std::size_t frames) {
         ++position;
     }
     ch.ring.consume(count);
+    ch.noteFramesTaken();
     ch.played.store(played + count, std::memory_order_relaxed);
     if (count == frames) {
         ch.position.store(position, std::memory_order_release);
