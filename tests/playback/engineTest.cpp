@@ -1,6 +1,7 @@
 #include "engineFixture.h"
 
 #include <atomic>
+#include <filesystem>
 #include <random>
 #include <thread>
 
@@ -92,6 +93,32 @@ TEST_F(Channels, AFileStreamLoopsWhenItsEndIsHeardAndAModuleStopsThere) {
     EXPECT_EQ(channelIsActive(tracker), ChannelState::Stopped);
     EXPECT_EQ(channelGetPosition(tracker), channelGetLength(tracker));
     EXPECT_EQ(peak(nullOutputPull(4410)), 0.0f);
+}
+
+// A looping file that the user cuts short while it plays ends as a failed channel does, at its
+// length, so that the radio moves on instead of waiting on silence or on a half that loops.
+TEST_F(Channels, AFileCutShortWhileItPlaysEndsItsChannelAtItsLength) {
+    for (const char* name : {"cut.mp3", "cut.mid"}) {
+        for (double kept : {0.0, 0.5}) {
+            SCOPED_TRACE(testing::Message() << name << " cut to " << kept);
+            std::string file =
+                std::string(name).ends_with(".mid") ? midi(name, 2.0) : sine(name, 2.0);
+            ChannelHandle song = streamCreateFile(file);
+            ASSERT_TRUE(channelPlay(song));
+            nullOutputPull(4410);
+            auto size = std::filesystem::file_size(file);
+            std::string log = logOf([&] {
+                std::filesystem::resize_file(file, static_cast<std::uintmax_t>(size * kept));
+                // Bounded: the song's length, the decoder's lead and a pass round the loop.
+                for (int i = 0; i < 100 && channelIsActive(song) == ChannelState::Playing; ++i)
+                    nullOutputPull(4410);
+            });
+            EXPECT_EQ(channelIsActive(song), ChannelState::Stopped);
+            EXPECT_EQ(channelGetPosition(song), channelGetLength(song));
+            EXPECT_NE(log.find(file), std::string::npos) << log;
+            ASSERT_TRUE(streamFree(song));
+        }
+    }
 }
 
 TEST_F(Channels, PauseHoldsThePositionAndASeekIsHeardAtOnceUnlessItIsOutside) {

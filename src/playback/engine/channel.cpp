@@ -1,5 +1,7 @@
 #include "playback/engine/channel.h"
 
+#include "util/log.h"
+
 namespace {
 // Frames a decode thread renders at a time: small enough to keep the lock short, large enough
 // that the decoders work in efficient blocks.
@@ -30,10 +32,10 @@ VolumeRamp SharedRamp::load() const {
     }
 }
 
-Channel::Channel(std::unique_ptr<Decoder> source, bool loopsAtEnd)
+Channel::Channel(std::unique_ptr<Decoder> source, bool loopsAtEnd, std::string file)
     : decoder(std::move(source)), loops(loopsAtEnd), lengthFrames(decoder->lengthFrames()),
       sourceRate(decoder->sourceRate()), sourceChannels(decoder->sourceChannels()),
-      scratch_(chunkFrames * 2) {
+      path(std::move(file)), scratch_(chunkFrames * 2) {
     midi = dynamic_cast<MidiDecoder*>(decoder.get());
     thread_ = std::thread([this] { decodeLoop(); });
 }
@@ -46,6 +48,8 @@ Channel::~Channel() {
 }
 
 void Channel::restartAt(std::uint64_t frame) {
+    passStart_ = frame;
+    passFrames_ = 0;
     ring.clear();
     marksRead.store(marksWritten.load(std::memory_order_relaxed), std::memory_order_release);
     ended.store(false, std::memory_order_release);
@@ -110,15 +114,33 @@ bool Channel::fillLocked() {
         return false;
     std::size_t got = decoder->render(scratch_.data(), chunkFrames);
     ring.write(scratch_.data(), got);
+    passFrames_ += got;
     if (got == chunkFrames)
         return true;
-    if (loops && lengthFrames > 0 && decoder->seek(0)) {
-        std::uint32_t at = marksWritten.load(std::memory_order_relaxed);
-        marks[at % marks.size()] = PositionMark{ring.written(), 0};
-        marksWritten.store(at + 1, std::memory_order_release);
-        return true;
+    if (!loops || lengthFrames == 0 || !loopLocked())
+        endLocked();
+    return true;
+}
+
+// Back to the beginning, unless the file was cut short or a whole pass gave nothing: then the
+// same song cannot come again, and the stream ends where it is, as a failed one.
+bool Channel::loopLocked() {
+    bool emptyPass = passStart_ == 0 && passFrames_ == 0;
+    if (emptyPass || !decoder->sourceIntact() || !decoder->seek(0)) {
+        logOut("Playback of %s ends: the file was cut short or cannot be read again\n",
+               path.c_str());
+        return false;
     }
+    passStart_ = 0;
+    passFrames_ = 0;
+    std::uint32_t at = marksWritten.load(std::memory_order_relaxed);
+    marks[at % marks.size()] = PositionMark{ring.written(), 0};
+    marksWritten.store(at + 1, std::memory_order_release);
+    return true;
+}
+
+// The mixer plays what the ring holds, then stops the channel and reports its length.
+void Channel::endLocked() {
     endIndex.store(ring.written(), std::memory_order_relaxed);
     ended.store(true, std::memory_order_release);
-    return true;
 }

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -56,7 +57,8 @@ struct PositionMark {
 // One playing thing: its decoder on a decode thread of its own, the ring the mixer reads, and the
 // figures both sides share.
 struct Channel {
-    Channel(std::unique_ptr<Decoder> source, bool loops);
+    // path names the file in the one log line of a stream that cannot loop.
+    Channel(std::unique_ptr<Decoder> source, bool loops, std::string path);
     ~Channel(); // stops and joins the decode thread
     Channel(const Channel&) = delete;
     Channel& operator=(const Channel&) = delete;
@@ -83,6 +85,7 @@ struct Channel {
     const std::uint64_t lengthFrames;
     const int sourceRate;
     const int sourceChannels;
+    const std::string path;
     std::vector<FontHandle> fonts; // as set through the engine, for get-fonts
 
     // Under decoderLock and the output lock: the decoder is at frame, the ring is empty.
@@ -102,9 +105,15 @@ struct Channel {
   private:
     void decodeLoop();
     bool fillLocked(); // one chunk under decoderLock; false when there was nothing to do
+    bool loopLocked();
+    void endLocked();
     void signalProgress();
 
     std::vector<float> scratch_;
+    // Under decoderLock: where the decoder's current pass began and the frames it gave since, so
+    // that a pass from the beginning that gives nothing ends the stream instead of spinning.
+    std::uint64_t passStart_ = 0;
+    std::uint64_t passFrames_ = 0;
     std::atomic<bool> quit_{false};
     // The decode thread sleeps on wake_ (std::atomic::wait), so that the mixer can wake it
     // without a lock; asleep_ spares the mixer the wake-up call while it works.

@@ -24,6 +24,9 @@ class Decoder {
     // The source's own rate and channel count, which positions in bytes are counted in.
     virtual int sourceRate() const = 0;
     virtual int sourceChannels() const = 0;
+    // False once the file is shorter than when it was opened (the user cut it), so that a stream
+    // about to loop knows it cannot play the same song again.
+    virtual bool sourceIntact() const { return true; }
 };
 
 // A soundfont as the engine shares it: parsed once, kept alive by every MIDI stream that uses it,

@@ -187,7 +187,7 @@ ChannelHandle createChannel(const std::string& path, bool module) {
     }
     if (!decoder)
         return fail(error, ChannelHandle{0});
-    auto channel = std::make_unique<Channel>(std::move(decoder), !module);
+    auto channel = std::make_unique<Channel>(std::move(decoder), !module, path);
     channel->fonts = std::move(fonts);
     channel->volume.store(VolumeRamp{});
     return installChannel(std::move(channel));

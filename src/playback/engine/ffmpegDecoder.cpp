@@ -170,6 +170,7 @@ class FfmpegDecoder final : public Decoder {
     std::uint64_t lengthFrames() const override { return length_.frames; }
     int sourceRate() const override { return sourceRate_; }
     int sourceChannels() const override { return sourceChannels_; }
+    bool sourceIntact() const override;
 
     // Decodes up to the first output, so that a file with nothing to play fails at open.
     bool prime(EngineError& error);
@@ -197,6 +198,7 @@ class FfmpegDecoder final : public Decoder {
     std::int64_t firstPacketTs_ = AV_NOPTS_VALUE; // where a seek to the beginning goes
     std::int64_t preroll_; // source samples decoded and dropped before a seek target
     Length length_;
+    std::int64_t openedSize_;    // bytes, or negative when the source cannot tell
     std::vector<float> pending_; // converted output not yet handed out, reused
     std::vector<const std::uint8_t*> planes_;
     std::size_t pendingRead_ = 0; // frames of pending_ handed out
@@ -219,6 +221,7 @@ FfmpegDecoder::FfmpegDecoder(FormatPtr format, CodecPtr codec, int streamIndex,
       sourceChannels_(stream_->codecpar->ch_layout.nb_channels),
       startTs_(stream_->start_time != AV_NOPTS_VALUE ? stream_->start_time : 0) {
     length_ = lengthOf(format_.get(), stream_, startTs_, path);
+    openedSize_ = format_->pb ? avio_size(format_->pb) : -1;
     // Lossy decoders need history before their output after a seek matches a straight run:
     // MP3's bit reservoir reaches back 511 bytes (five of the smallest frames) and every such
     // decoder overlaps frames. A quarter of a second covers both; a tenth was too little.
@@ -383,6 +386,12 @@ std::size_t FfmpegDecoder::render(float* out, std::size_t frames) {
     }
     position_ += done;
     return done;
+}
+
+// A file's size comes from fstat on the descriptor FFmpeg reads, so a file that was replaced or
+// deleted under its name still counts as the one opened.
+bool FfmpegDecoder::sourceIntact() const {
+    return openedSize_ < 0 || avio_size(format_->pb) >= openedSize_;
 }
 
 // Moves the demuxer to a stream time and forgets everything decoded before.

@@ -12,6 +12,7 @@
 #include <fluidsynth.h>
 #include <mutex>
 #include <optional>
+#include <sys/stat.h>
 
 namespace {
 
@@ -65,9 +66,15 @@ SettingsPtr makeSettings() {
     return settings;
 }
 
-std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path, int& errorNumber) {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                         &std::fclose);
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
+
+// The file stays open in `file`, so that its size can be watched while it plays.
+std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path, FilePtr& file,
+                                                        int& errorNumber) {
+    file.reset(std::fopen(path.c_str(), "rb"));
     if (!file) {
         errorNumber = errno;
         return std::nullopt;
@@ -293,9 +300,9 @@ constexpr std::size_t blockFrames = 64; // FluidSynth renders, and its player ti
 
 class FluidMidiDecoder final : public MidiDecoder {
   public:
-    FluidMidiDecoder(std::string path, std::vector<unsigned char> bytes, const MidiTiming& timing,
-                     SettingsPtr settings, SynthPtr synth)
-        : path_(std::move(path)), bytes_(std::move(bytes)), timing_(timing),
+    FluidMidiDecoder(std::string path, FilePtr file, std::vector<unsigned char> bytes,
+                     const MidiTiming& timing, SettingsPtr settings, SynthPtr synth)
+        : path_(std::move(path)), file_(std::move(file)), bytes_(std::move(bytes)), timing_(timing),
           length_(framesAt(timing.endTick)), settings_(std::move(settings)),
           synth_(std::move(synth)) {}
 
@@ -326,6 +333,13 @@ class FluidMidiDecoder final : public MidiDecoder {
     std::uint64_t lengthFrames() const override { return length_; }
     int sourceRate() const override { return engineRate; }
     int sourceChannels() const override { return 2; }
+    // The song plays from memory, but a stream about to loop must stop like the other files do
+    // when the user cut its file short.
+    bool sourceIntact() const override {
+        struct stat status {};
+        return fstat(fileno(file_.get()), &status) == 0 &&
+               static_cast<std::uint64_t>(status.st_size) >= bytes_.size();
+    }
 
     void setFonts(const std::vector<SoundFontRef>& fonts) override;
     bool restart(std::uint64_t frame);
@@ -339,6 +353,7 @@ class FluidMidiDecoder final : public MidiDecoder {
     void synthesize(float* out, std::size_t frames);
 
     std::string path_;
+    FilePtr file_;
     std::vector<unsigned char> bytes_; // the player parses the file again on every restart
     MidiTiming timing_;
     std::uint64_t length_;
@@ -507,7 +522,8 @@ std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,
                                              EngineError& error) {
     prepareFluidSynth();
     int errorNumber = 0;
-    std::optional<std::vector<unsigned char>> bytes = readWholeFile(path, errorNumber);
+    FilePtr file;
+    std::optional<std::vector<unsigned char>> bytes = readWholeFile(path, file, errorNumber);
     if (!bytes) {
         logOut("midi: cannot open %s: %s\n", path.c_str(), std::strerror(errorNumber));
         error = EngineError::FileOpen;
@@ -525,9 +541,10 @@ std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,
     }
     SettingsPtr settings = makeSettings();
     SynthPtr synth(settings ? new_fluid_synth(settings.get()) : nullptr);
-    auto decoder = synth ? std::make_unique<FluidMidiDecoder>(path, std::move(*bytes), timing,
-                                                              std::move(settings), std::move(synth))
-                         : nullptr;
+    auto decoder =
+        synth ? std::make_unique<FluidMidiDecoder>(path, std::move(file), std::move(*bytes), timing,
+                                                   std::move(settings), std::move(synth))
+              : nullptr;
     if (decoder)
         decoder->setFonts(fonts);
     if (!decoder || !decoder->restart(0)) {
