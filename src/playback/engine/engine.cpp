@@ -1,6 +1,8 @@
 #include "playback/engine/engine.h"
 
 #include "playback/engine/channel.h"
+#include "playback/engine/decoderRoles.h"
+#include "playback/engine/fontTable.h"
 #include "playback/engine/mixer.h"
 #include "playback/engine/outputs.h"
 #include "util/ascii.h"
@@ -32,11 +34,6 @@ struct Slot {
     std::shared_ptr<Channel> channel;
 };
 
-struct FontEntry {
-    FontHandle handle = 0;
-    SoundFontRef font;
-};
-
 // The engine is one per process, like the device it drives. Its slots outlive init and free, so
 // that a handle kept by any thread always finds a lock to take and a generation to compare.
 struct Engine {
@@ -47,8 +44,7 @@ struct Engine {
     std::array<Slot, maxChannels> slots;
     MixerTable mixer;
     std::uint32_t nextGeneration = 1;
-    std::vector<FontEntry> fonts;
-    std::vector<FontEntry> defaultFonts;
+    FontTable fonts;
 
     ~Engine() { shutDownLocked(); }
     void shutDownLocked();
@@ -114,34 +110,8 @@ void Engine::shutDownLocked() {
     }
     gone.clear(); // joins the decode threads
     output.reset();
-    fonts.clear();
-    defaultFonts.clear();
+    fonts = {};
     initialized = false;
-}
-
-// The decoder role a file needs, empty when the core decoders serve it.
-std::string roleOf(const std::string& ext) {
-    if (ext == ".mid" || ext == ".midi")
-        return "midi";
-    if (ext == ".m4a")
-        return "aac";
-    if (ext == ".flac")
-        return "flac";
-    return {};
-}
-
-std::vector<SoundFontRef> fontRefs(const std::vector<FontEntry>& entries) {
-    std::vector<SoundFontRef> refs;
-    for (const FontEntry& entry : entries)
-        refs.push_back(entry.font);
-    return refs;
-}
-
-std::vector<FontHandle> fontHandles(const std::vector<FontEntry>& entries) {
-    std::vector<FontHandle> handles;
-    for (const FontEntry& entry : entries)
-        handles.push_back(entry.handle);
-    return handles;
 }
 
 // Puts a new channel into a free slot and before the mixer; 0 when every slot is taken.
@@ -169,7 +139,8 @@ ChannelHandle createChannel(const std::string& path, bool module) {
     std::lock_guard lock(e.lifecycle);
     if (!e.initialized)
         return fail(EngineError::Init, ChannelHandle{0});
-    std::string role = module ? std::string() : roleOf(asciiLower(extensionOf(fileNameOf(path))));
+    std::string role =
+        module ? std::string() : roleOfExtension(asciiLower(extensionOf(fileNameOf(path))));
     if (!role.empty() && !e.roles.count(role)) {
         logOut("No %s decoder is loaded for %s\n", role.c_str(), path.c_str());
         return fail(EngineError::FileFormat, ChannelHandle{0});
@@ -180,8 +151,8 @@ ChannelHandle createChannel(const std::string& path, bool module) {
     if (module) {
         decoder = openModuleDecoder(path, error);
     } else if (role == "midi") {
-        decoder = openMidiDecoder(path, fontRefs(e.defaultFonts), error);
-        fonts = fontHandles(e.defaultFonts);
+        decoder = openMidiDecoder(path, fontRefs(e.fonts.defaults), error);
+        fonts = fontHandles(e.fonts.defaults);
     } else {
         decoder = openFfmpegDecoder(path, error);
     }
@@ -224,11 +195,7 @@ std::uint64_t msToFrames(int milliseconds) {
 // --- Set-up.
 
 std::uint32_t pluginLoad(const std::string& name) {
-    std::string lower = asciiLower(name);
-    std::string role = lower.find("midi") != std::string::npos   ? "midi"
-                       : lower.find("aac") != std::string::npos  ? "aac"
-                       : lower.find("flac") != std::string::npos ? "flac"
-                                                                 : "";
+    std::string role = roleOfPluginName(name);
     if (role.empty())
         return fail(EngineError::FileOpen, 0u);
     if (!decoderRoleAvailable(role))
@@ -430,7 +397,7 @@ FontHandle midiFontInit(const std::string& path) {
     if (!font)
         return fail(error, FontHandle{0});
     FontHandle handle = fontBit | (e.takeGeneration() << slotBits);
-    e.fonts.push_back(FontEntry{handle, std::move(font)});
+    e.fonts.loaded.push_back(FontEntry{handle, std::move(font)});
     return succeed(handle);
 }
 
@@ -439,13 +406,9 @@ bool midiFontFree(FontHandle font) {
         return succeed(true);
     Engine& e = engine();
     std::lock_guard lock(e.lifecycle);
-    auto named = [font](const FontEntry& entry) { return entry.handle == font; };
-    auto it = std::find_if(e.fonts.begin(), e.fonts.end(), named);
-    if (it == e.fonts.end())
-        return fail(EngineError::Handle, false);
-    e.fonts.erase(it);
     // Streams that use it keep their own reference; only streams to come lose it.
-    std::erase_if(e.defaultFonts, named);
+    if (!removeFont(e.fonts, font))
+        return fail(EngineError::Handle, false);
     return succeed(true);
 }
 
@@ -456,16 +419,10 @@ bool midiStreamSetFonts(ChannelHandle stream, const MidiFontRecord* records, int
         std::lock_guard lock(e.lifecycle);
         if (!e.initialized)
             return fail(EngineError::Init, false);
-        for (int i = 0; i < count; ++i) {
-            auto it = std::find_if(e.fonts.begin(), e.fonts.end(), [&](const FontEntry& entry) {
-                return entry.handle == records[i].font;
-            });
-            if (it == e.fonts.end())
-                return fail(EngineError::Handle, false);
-            chosen.push_back(*it);
-        }
+        if (!chooseFonts(e.fonts, records, count, chosen))
+            return fail(EngineError::Handle, false);
         if (stream == 0) {
-            e.defaultFonts = chosen;
+            e.fonts.defaults = chosen;
             return succeed(true);
         }
     }
@@ -489,7 +446,7 @@ int midiStreamGetFonts(ChannelHandle stream, MidiFontRecord* out, int count) {
         std::lock_guard lock(engine().lifecycle);
         if (!engine().initialized)
             return fail(EngineError::Init, -1);
-        return report(fontHandles(engine().defaultFonts));
+        return report(fontHandles(engine().fonts.defaults));
     }
     return withChannel(stream, -1, [&report](Channel& ch, Slot&) {
         if (!ch.midi)

@@ -1,14 +1,12 @@
 #include "playback/engine/decoder.h"
+#include "playback/engine/fileBytes.h"
 #include "util/log.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <libopenmpt/libopenmpt.h>
 #include <memory>
-#include <new>
 #include <optional>
 #include <vector>
 
@@ -24,11 +22,6 @@ struct DestroyModule {
 };
 using ModulePtr = std::unique_ptr<openmpt_module, DestroyModule>;
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
-
 struct FreeOpenmptString {
     void operator()(const char* text) const { openmpt_free_string(text); }
 };
@@ -36,35 +29,31 @@ using OpenmptString = std::unique_ptr<const char, FreeOpenmptString>;
 
 // The whole file in memory: libopenmpt reads a module in one go anyway, and reading it ourselves
 // tells a missing or unreadable file apart from one that is not a module.
-std::optional<std::vector<char>> readWholeFile(const std::string& path, EngineError& error) {
-    FilePtr file(std::fopen(path.c_str(), "rb"));
-    if (!file) {
-        logOut("module: cannot open %s: %s\n", path.c_str(), std::strerror(errno));
+std::optional<std::vector<unsigned char>> readModuleFile(const std::string& path,
+                                                         EngineError& error) {
+    FileBytes read = readFileBytes(path);
+    switch (read.error) {
+    case FileReadError::None:
+        return std::move(read.bytes);
+    case FileReadError::Open:
+        logOut("module: cannot open %s: %s\n", path.c_str(), std::strerror(read.errorNumber));
         error = EngineError::FileOpen;
         return std::nullopt;
-    }
-    std::vector<char> bytes;
-    char chunk[65536];
-    try {
-        std::size_t got = 0;
-        while ((got = std::fread(chunk, 1, sizeof chunk, file.get())) > 0)
-            bytes.insert(bytes.end(), chunk, chunk + got);
-    } catch (const std::bad_alloc&) {
-        logOut("module: %s does not fit in memory\n", path.c_str());
-        error = EngineError::Memory;
-        return std::nullopt;
-    }
-    if (std::ferror(file.get())) { // a folder opens, but reading it fails
-        logOut("module: cannot read %s: %s\n", path.c_str(), std::strerror(errno));
+    case FileReadError::Read:
+        logOut("module: cannot read %s: %s\n", path.c_str(), std::strerror(read.errorNumber));
         error = EngineError::FileOpen;
         return std::nullopt;
+    case FileReadError::Memory:
+        break;
     }
-    return bytes;
+    logOut("module: %s does not fit in memory\n", path.c_str());
+    error = EngineError::Memory;
+    return std::nullopt;
 }
 
 // Quiet while loading and for ever after: a damaged module must not write to our error stream
 // from the decode thread; a failure here is told once, by our own line.
-ModulePtr createModule(const std::vector<char>& bytes, const std::string& path,
+ModulePtr createModule(const std::vector<unsigned char>& bytes, const std::string& path,
                        EngineError& error) {
     int code = OPENMPT_ERROR_OK;
     const char* message = nullptr;
@@ -172,7 +161,7 @@ bool ModuleDecoder::seek(std::uint64_t frame) {
 } // namespace
 
 std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, EngineError& error) {
-    std::optional<std::vector<char>> bytes = readWholeFile(path, error);
+    std::optional<std::vector<unsigned char>> bytes = readModuleFile(path, error);
     if (!bytes)
         return nullptr;
     ModulePtr module = createModule(*bytes, path, error);
