@@ -121,6 +121,69 @@ TEST_F(Channels, AFileCutShortWhileItPlaysEndsItsChannelAtItsLength) {
     }
 }
 
+// A create returns before the decoder exists: a seek and fonts given at once still apply, and
+// the mix from there is the decoder's own audio from that frame.
+TEST_F(Channels, ASeekAndFontsGivenRightAfterCreateAreHeardOnceTheDecoderIsThere) {
+    EngineError error = EngineError::Unknown;
+    SoundFontRef reference = loadSoundFont(timidityFont, error);
+    FontHandle font = midiFontInit(timidityFont);
+    const std::string files[] = {sine("a.mp3", 3.0), sine("a.flac", 3.0), sine("a.m4a", 3.0),
+                                 midi("a.mid", 3.0), module("a.mod")};
+    const std::uint64_t frame = 44123; // not on a period of the sine, nor on a codec frame
+    for (const std::string& file : files) {
+        SCOPED_TRACE(file);
+        bool isMidi = file.ends_with(".mid"), isModule = file.ends_with(".mod");
+        ChannelHandle song = isModule ? musicLoad(file) : streamCreateFile(file);
+        MidiFontRecord record{font, -1, 0};
+        if (isMidi) {
+            ASSERT_TRUE(midiStreamSetFonts(song, &record, 1));
+        }
+        ASSERT_TRUE(channelSetPosition(song, frame * 4)); // 44100 Hz stereo, every one
+        ASSERT_TRUE(channelPlay(song));
+        std::vector<float> heard = nullOutputPull(8192);
+        EXPECT_EQ(channelGetPosition(song), (frame + 8192) * 4);
+
+        std::unique_ptr<Decoder> straight = isMidi     ? openMidiDecoder(file, {reference}, error)
+                                            : isModule ? openModuleDecoder(file, error)
+                                                       : openFfmpegDecoder(file, error);
+        ASSERT_TRUE(straight && straight->seek(frame));
+        std::vector<float> expected = renderFrames(*straight, 8192, 1024);
+        EXPECT_GT(peak(expected), 0.01f);
+        EXPECT_TRUE(heard == expected);
+        ASSERT_TRUE(streamFree(song));
+    }
+}
+
+// A file whose probe passes but whose decoder finds nothing to play ends on the decode thread as
+// a failed channel, even with a seek waiting for that decoder.
+TEST_F(Channels, AFileFoundUndecodableAfterCreateEndsItsChannelAtItsLength) {
+    std::string whole = TempDir::read(sine("whole.flac", 1.0));
+    std::size_t at = 4; // "fLaC", then metadata blocks up to the one flagged last
+    for (bool last = false; !last && at + 4 <= whole.size();) {
+        auto byte = [&](std::size_t i) { return static_cast<unsigned char>(whole[at + i]); };
+        last = byte(0) & 0x80;
+        at += 4 + (std::size_t{byte(1)} << 16 | std::size_t{byte(2)} << 8 | byte(3));
+    }
+    std::string file = dir.write("noFrames.flac", whole.substr(0, at));
+    for (bool seekFirst : {false, true}) {
+        SCOPED_TRACE(seekFirst ? "with a seek" : "without a seek");
+        ChannelHandle song = 0;
+        std::string log = logOf([&] {
+            song = streamCreateFile(file);
+            ASSERT_NE(song, 0u);
+            if (seekFirst) {
+                ASSERT_TRUE(channelSetPosition(song, channelGetLength(song) / 8 * 4));
+            }
+            ASSERT_TRUE(channelPlay(song));
+            nullOutputPull(1024);
+        });
+        EXPECT_EQ(channelIsActive(song), ChannelState::Stopped);
+        EXPECT_EQ(channelGetPosition(song), channelGetLength(song));
+        EXPECT_NE(log.find("no audio decoded"), std::string::npos) << log;
+        EXPECT_NE(log.find(file), std::string::npos) << log;
+    }
+}
+
 TEST_F(Channels, PauseHoldsThePositionAndASeekIsHeardAtOnceUnlessItIsOutside) {
     ChannelHandle song = streamCreateFile(sine("a.flac", 5.0));
     ASSERT_TRUE(channelPlay(song));

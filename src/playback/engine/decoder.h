@@ -40,7 +40,40 @@ class MidiDecoder : public Decoder {
     virtual void setFonts(const std::vector<SoundFontRef>& fonts) = 0;
 };
 
-// Each returns null and sets error on failure, after one log line naming the path.
+// What a channel must know of its file at once: the length and the counting of bytes.
+struct SourceFacts {
+    std::uint64_t lengthFrames = 0; // 44100 Hz
+    int sourceRate = engineRate;
+    int sourceChannels = 2;
+};
+
+// The rest of an open, which can take long (a synthesiser to make, fonts to load, a codec to
+// start), for the channel's decode thread.
+class SourceOpener {
+  public:
+    virtual ~SourceOpener() = default;
+    // fonts: a MIDI stream's first fonts; other sources have none. Null and error set after one
+    // log line naming the path. Called once.
+    virtual std::unique_ptr<Decoder> open(const std::vector<SoundFontRef>& fonts,
+                                          EngineError& error) = 0;
+};
+
+// A file read only as far as its facts need; the opener is null on failure.
+struct ProbedFile {
+    SourceFacts facts;
+    std::unique_ptr<SourceOpener> opener;
+};
+
+// On the calling thread, quick: each fails with error set, after one log line naming the path,
+// for a file that cannot be read or is not of its kind.
+ProbedFile probeFfmpegFile(const std::string& path, EngineError& error);
+// libopenmpt's prescan gives the length, on the pattern data only.
+ProbedFile probeModuleFile(const std::string& path, EngineError& error);
+// The file's tempo map gives the length; the synthesiser is left to the opener.
+ProbedFile probeMidiFile(const std::string& path, EngineError& error);
+
+// A probe and an open in one go, for one thread. Each returns null and sets error on failure,
+// after one log line naming the path.
 std::unique_ptr<Decoder> openFfmpegDecoder(const std::string& path, EngineError& error);
 std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, EngineError& error);
 std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,

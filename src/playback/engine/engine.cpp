@@ -20,17 +20,13 @@ constexpr std::uint32_t fontBit = 0x80000000u;
 constexpr std::uint32_t slotBits = 7;
 constexpr std::uint32_t slotMask = (1u << slotBits) - 1;
 constexpr std::uint32_t generationMask = (fontBit - 1) >> slotBits;
-// Decoded audio a channel holds before it becomes audible: about 90 ms.
-constexpr std::size_t prefillFrames = 4096;
-// How long a play waits for that audio: the user-interface thread must not hang on a decoder.
-constexpr auto playWaitBound = std::chrono::seconds(2);
 // How long the null output waits for a decoder before it mixes what there is.
 constexpr auto pullWaitBound = std::chrono::seconds(10);
 
 struct Slot {
     std::mutex control; // serialises every call on this slot, from any thread
     std::atomic<ChannelHandle> handle{0};
-    // Shared with a call that waits for the channel without the slot's lock.
+    // Shared with the channel's decode thread, which ends by itself once the slot lets go.
     std::shared_ptr<Channel> channel;
 };
 
@@ -45,6 +41,7 @@ struct Engine {
     MixerTable mixer;
     std::uint32_t nextGeneration = 1;
     FontTable fonts;
+    DecodeThreads decodeThreads;
 
     ~Engine() { shutDownLocked(); }
     void shutDownLocked();
@@ -89,33 +86,34 @@ template <typename T, typename Work> T withChannel(ChannelHandle handle, T faile
     return work(*slot->channel, *slot);
 }
 
-// Takes the channel out of the mixer's sight and out of its slot; the caller destroys it.
-std::shared_ptr<Channel> detachLocked(Slot& slot, int index) {
+// Takes the channel out of the mixer's sight and out of its slot, and tells its decode thread to
+// end; that thread lets go of the channel last, after whatever open or chunk it is in.
+void detachLocked(Slot& slot, int index) {
     {
         OutputLock lock(*engine().output);
         engine().mixer.live[index].store(nullptr, std::memory_order_release);
     }
     slot.handle.store(0, std::memory_order_release);
-    return std::move(slot.channel);
+    slot.channel->stop();
+    slot.channel.reset();
 }
 
 void Engine::shutDownLocked() {
     if (!initialized)
         return;
-    std::vector<std::shared_ptr<Channel>> gone;
     for (int i = 0; i < maxChannels; ++i) {
         std::lock_guard lock(slots[i].control);
         if (slots[i].channel)
-            gone.push_back(detachLocked(slots[i], i));
+            detachLocked(slots[i], i);
     }
-    gone.clear(); // joins the decode threads
+    decodeThreads.waitForAll(); // no decoder outlives the engine's fonts and output
     output.reset();
     fonts = {};
     initialized = false;
 }
 
 // Puts a new channel into a free slot and before the mixer; 0 when every slot is taken.
-ChannelHandle installChannel(std::unique_ptr<Channel> channel) {
+ChannelHandle installChannel(std::shared_ptr<Channel> channel) {
     Engine& e = engine();
     for (int i = 0; i < maxChannels; ++i) {
         Slot& slot = e.slots[i];
@@ -131,6 +129,7 @@ ChannelHandle installChannel(std::unique_ptr<Channel> channel) {
         slot.handle.store(handle, std::memory_order_release);
         return succeed(handle);
     }
+    channel->stop();
     return fail(EngineError::Memory, ChannelHandle{0});
 }
 
@@ -145,33 +144,29 @@ ChannelHandle createChannel(const std::string& path, bool module) {
         logOut("No %s decoder is loaded for %s\n", role.c_str(), path.c_str());
         return fail(EngineError::FileFormat, ChannelHandle{0});
     }
+    // Only what the length and the byte counts need happens here; the decode thread does the
+    // rest, so that a song change never makes the window wait.
     EngineError error = EngineError::Ok;
-    std::unique_ptr<Decoder> decoder;
-    std::vector<FontHandle> fonts;
-    if (module) {
-        decoder = openModuleDecoder(path, error);
-    } else if (role == "midi") {
-        decoder = openMidiDecoder(path, fontRefs(e.fonts.defaults), error);
-        fonts = fontHandles(e.fonts.defaults);
-    } else {
-        decoder = openFfmpegDecoder(path, error);
-    }
-    if (!decoder)
+    bool midi = role == "midi";
+    ProbedFile probed = module ? probeModuleFile(path, error)
+                        : midi ? probeMidiFile(path, error)
+                               : probeFfmpegFile(path, error);
+    if (!probed.opener)
         return fail(error, ChannelHandle{0});
-    auto channel = std::make_unique<Channel>(std::move(decoder), !module, path);
-    channel->fonts = std::move(fonts);
-    channel->volume.store(VolumeRamp{});
+    std::vector<SoundFontRef> fonts =
+        midi ? fontRefs(e.fonts.defaults) : std::vector<SoundFontRef>{};
+    auto channel =
+        Channel::start(std::move(probed), !module, path, midi, std::move(fonts), e.decodeThreads);
+    if (midi)
+        channel->fonts = fontHandles(e.fonts.defaults);
     return installChannel(std::move(channel));
 }
 
 bool freeChannel(ChannelHandle handle) {
-    std::shared_ptr<Channel> gone;
-    bool ok = withChannel(handle, false, [&](Channel&, Slot& slot) {
-        gone = detachLocked(slot, static_cast<int>((handle & slotMask) - 1));
-        return true;
+    return withChannel(handle, false, [handle](Channel&, Slot& slot) {
+        detachLocked(slot, static_cast<int>((handle & slotMask) - 1));
+        return succeed(true);
     });
-    gone.reset(); // joins its decode thread outside the slot's lock
-    return ok ? succeed(true) : false;
 }
 
 std::uint64_t toBytes(const Channel& ch, std::uint64_t frames) {
@@ -258,19 +253,9 @@ ChannelHandle musicLoad(const std::string& path) {
     return createChannel(path, true);
 }
 
+// Nothing waits for the decoder here: the mixer starts the channel once its first audio is
+// decoded, so the start never begins with a gap and the window never waits.
 bool channelPlay(ChannelHandle handle) {
-    std::shared_ptr<Channel> waited;
-    bool known = withChannel(handle, false, [&waited](Channel&, Slot& slot) {
-        waited = slot.channel;
-        return true;
-    });
-    if (!known)
-        return false;
-    // Audible only once there is audio to hear, so the start never begins with a gap. The wait
-    // holds no lock, so that a fade-out worker can stop or free the channel meanwhile; a decoder
-    // slower than the bound leaves the channel playing what comes when it comes.
-    waited->waitForPrefill(prefillFrames, std::chrono::steady_clock::now() + playWaitBound);
-    waited.reset();
     return withChannel(handle, false, [](Channel& ch, Slot&) {
         ch.state.store(static_cast<int>(ChannelState::Playing), std::memory_order_release);
         return succeed(true);
@@ -343,9 +328,8 @@ std::uint64_t channelGetLength(ChannelHandle handle) {
 }
 
 std::uint64_t channelGetPosition(ChannelHandle handle) {
-    return withChannel(handle, noPosition, [](Channel& ch, Slot&) {
-        return succeed(toBytes(ch, ch.position.load(std::memory_order_acquire)));
-    });
+    return withChannel(handle, noPosition,
+                       [](Channel& ch, Slot&) { return succeed(toBytes(ch, ch.heardPosition())); });
 }
 
 double channelBytesToSeconds(ChannelHandle handle, std::uint64_t bytes) {
@@ -369,12 +353,9 @@ bool channelSetPosition(ChannelHandle handle, std::uint64_t bytes) {
         if (bytes > toBytes(ch, ch.lengthFrames))
             return fail(EngineError::Position, false);
         std::uint64_t frame = std::min(toFrames(ch, bytes), ch.lengthFrames);
-        std::lock_guard decoderLock(ch.decoderLock);
-        if (!ch.decoder->seek(frame))
-            return fail(EngineError::Position, false);
+        // The buffered audio is not heard from here on; the decode thread seeks.
         OutputLock outputLock(*engine().output);
-        ch.restartAt(frame);
-        ch.wakeDecoder();
+        ch.requestSeekLocked(frame);
         return succeed(true);
     });
 }
@@ -429,8 +410,7 @@ bool midiStreamSetFonts(ChannelHandle stream, const MidiFontRecord* records, int
     return withChannel(stream, false, [&chosen](Channel& ch, Slot&) {
         if (!ch.midi)
             return fail(EngineError::IllegalType, false);
-        std::lock_guard decoderLock(ch.decoderLock);
-        ch.midi->setFonts(fontRefs(chosen));
+        ch.requestFonts(fontRefs(chosen)); // heard from the decoder's next chunk on
         ch.fonts = fontHandles(chosen);
         return succeed(true);
     });
@@ -473,7 +453,7 @@ std::vector<float> nullOutputPull(std::size_t frames) {
         for (auto& live : e.mixer.live) {
             Channel* ch = live.load(std::memory_order_acquire);
             if (ch && ch->state.load() == static_cast<int>(ChannelState::Playing))
-                ch->waitForPrefill(count, deadline);
+                ch->waitFor(deadline, [ch, count] { return readyToMix(*ch, count); });
         }
         mixBlock(e.mixer, mixed.data() + done * 2, count);
     }

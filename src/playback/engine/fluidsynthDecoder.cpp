@@ -91,12 +91,16 @@ namespace {
 
 constexpr std::size_t blockFrames = 64; // FluidSynth renders, and its player ticks, per block
 
+std::uint64_t framesAt(const MidiTiming& timing, std::uint64_t tick) {
+    return static_cast<std::uint64_t>(std::llround(timing.secondsAt(double(tick)) * engineRate));
+}
+
 class FluidMidiDecoder final : public MidiDecoder {
   public:
     FluidMidiDecoder(std::string path, FilePtr file, std::vector<unsigned char> bytes,
                      const MidiTiming& timing, SettingsPtr settings, SynthPtr synth)
         : path_(std::move(path)), file_(std::move(file)), bytes_(std::move(bytes)), timing_(timing),
-          length_(framesAt(timing.endTick)), settings_(std::move(settings)),
+          length_(framesAt(timing, timing.endTick)), settings_(std::move(settings)),
           synth_(std::move(synth)) {}
 
     std::size_t render(float* out, std::size_t frames) override {
@@ -134,10 +138,6 @@ class FluidMidiDecoder final : public MidiDecoder {
     bool restart(std::uint64_t frame);
 
   private:
-    std::uint64_t framesAt(std::uint64_t tick) const {
-        return static_cast<std::uint64_t>(
-            std::llround(timing_.secondsAt(double(tick)) * engineRate));
-    }
     void pull(float* out, std::size_t frames);
     void synthesize(float* out, std::size_t frames);
 
@@ -212,7 +212,7 @@ bool FluidMidiDecoder::restart(std::uint64_t frame) {
         fluid_player_play(player.get()) != FLUID_OK)
         return false;
     player_ = std::move(player);
-    std::uint64_t skip = frame - std::min(frame, framesAt(tick));
+    std::uint64_t skip = frame - std::min(frame, framesAt(timing_, tick));
     std::array<float, 2 * blockFrames * 16> dropped;
     while (skip > 0) {
         std::size_t count = std::min<std::size_t>(skip, dropped.size() / 2);
@@ -305,10 +305,49 @@ SoundFontRef loadSoundFont(const std::string& path, EngineError& error) {
     return nullptr;
 }
 
-std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,
-                                             const std::vector<SoundFontRef>& fonts,
-                                             EngineError& error) {
-    prepareFluidSynth();
+namespace {
+
+// The file read and its tempo map go to the decode thread, which makes the synthesiser: FluidSynth
+// builds its preset tables for every synth, a tenth of a second with a General MIDI font.
+class MidiOpener final : public SourceOpener {
+  public:
+    MidiOpener(std::string path, FileBytes read, const MidiTiming& timing)
+        : path_(std::move(path)), read_(std::move(read)), timing_(timing) {}
+
+    std::uint64_t lengthFrames() const { return framesAt(timing_, timing_.endTick); }
+
+    std::unique_ptr<Decoder> open(const std::vector<SoundFontRef>& fonts,
+                                  EngineError& error) override {
+        return openMidi(fonts, error);
+    }
+
+    std::unique_ptr<MidiDecoder> openMidi(const std::vector<SoundFontRef>& fonts,
+                                          EngineError& error) {
+        prepareFluidSynth();
+        SettingsPtr settings = makeSettings();
+        SynthPtr synth(settings ? new_fluid_synth(settings.get()) : nullptr);
+        auto decoder = synth ? std::make_unique<FluidMidiDecoder>(
+                                   path_, std::move(read_.file), std::move(read_.bytes), timing_,
+                                   std::move(settings), std::move(synth))
+                             : nullptr;
+        if (decoder)
+            decoder->setFonts(fonts);
+        if (!decoder || !decoder->restart(0)) {
+            logOut("midi: no memory for a synthesiser for %s\n", path_.c_str());
+            error = EngineError::Memory;
+            return nullptr;
+        }
+        error = EngineError::Ok;
+        return decoder;
+    }
+
+  private:
+    std::string path_;
+    FileBytes read_;
+    MidiTiming timing_;
+};
+
+std::unique_ptr<MidiOpener> probeMidi(const std::string& path, EngineError& error) {
     FileBytes read = readFileBytes(path, "MThd");
     if (read.error == FileReadError::Memory) {
         logOut("midi: %s does not fit in memory\n", path.c_str());
@@ -330,19 +369,23 @@ std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,
         error = smpte ? EngineError::Codec : EngineError::FileFormat;
         return nullptr;
     }
-    SettingsPtr settings = makeSettings();
-    SynthPtr synth(settings ? new_fluid_synth(settings.get()) : nullptr);
-    auto decoder = synth ? std::make_unique<FluidMidiDecoder>(path, std::move(read.file),
-                                                              std::move(read.bytes), timing,
-                                                              std::move(settings), std::move(synth))
-                         : nullptr;
-    if (decoder)
-        decoder->setFonts(fonts);
-    if (!decoder || !decoder->restart(0)) {
-        logOut("midi: no memory for a synthesiser for %s\n", path.c_str());
-        error = EngineError::Memory;
-        return nullptr;
-    }
     error = EngineError::Ok;
-    return decoder;
+    return std::make_unique<MidiOpener>(path, std::move(read), timing);
+}
+
+} // namespace
+
+ProbedFile probeMidiFile(const std::string& path, EngineError& error) {
+    std::unique_ptr<MidiOpener> opener = probeMidi(path, error);
+    if (!opener)
+        return {};
+    SourceFacts facts{opener->lengthFrames(), engineRate, 2};
+    return {facts, std::move(opener)};
+}
+
+std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,
+                                             const std::vector<SoundFontRef>& fonts,
+                                             EngineError& error) {
+    std::unique_ptr<MidiOpener> opener = probeMidi(path, error);
+    return opener ? opener->openMidi(fonts, error) : nullptr;
 }

@@ -16,3 +16,7 @@ struct MixerTable {
 // The audio callback's whole work: out = the sum of every playing channel at its volume. Never
 // locks, allocates, logs or decodes.
 void mixBlock(MixerTable& table, float* out, std::size_t frames);
+
+// Where the mixer runs (the audio callback, or the null output under its lock): whether the next
+// block of a playing channel holds what a deterministic mix needs, its prefill or its end.
+bool readyToMix(Channel& ch, std::size_t frames);
