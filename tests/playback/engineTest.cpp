@@ -122,7 +122,8 @@ TEST_F(Channels, AFileCutShortWhileItPlaysEndsItsChannelAtItsLength) {
 }
 
 // A create returns before the decoder exists: a seek and fonts given at once still apply, and
-// the mix from there is the decoder's own audio from that frame.
+// the mix from there is the decoder's own audio from that frame (a seek to the wrong place puts
+// the sine out of phase; a missing font leaves the MIDI silent).
 TEST_F(Channels, ASeekAndFontsGivenRightAfterCreateAreHeardOnceTheDecoderIsThere) {
     EngineError error = EngineError::Unknown;
     SoundFontRef reference = loadSoundFont(timidityFont, error);
@@ -149,7 +150,16 @@ TEST_F(Channels, ASeekAndFontsGivenRightAfterCreateAreHeardOnceTheDecoderIsThere
         ASSERT_TRUE(straight && straight->seek(frame));
         std::vector<float> expected = renderFrames(*straight, 8192, 1024);
         EXPECT_GT(peak(expected), 0.01f);
-        EXPECT_TRUE(heard == expected);
+        // Whether the decode thread rendered before it took the seek changes a little what a seek
+        // gives (a module's ramps start afresh, FluidSynth's effects keep a trace, AAC's noise
+        // draws on): the distance from the straight run is a small part of the audio, where the
+        // wrong place or no font would make it as large as the audio itself.
+        double distance = 0.0, energy = 0.0;
+        for (std::size_t i = 2 * 441; i < expected.size(); ++i) {
+            distance += (heard[i] - expected[i]) * (heard[i] - expected[i]);
+            energy += expected[i] * expected[i];
+        }
+        EXPECT_LT(std::sqrt(distance / energy), 0.2);
         ASSERT_TRUE(streamFree(song));
     }
 }
