@@ -258,6 +258,7 @@ ChannelHandle musicLoad(const std::string& path) {
 bool channelPlay(ChannelHandle handle) {
     return withChannel(handle, false, [](Channel& ch, Slot&) {
         ch.state.store(static_cast<int>(ChannelState::Playing), std::memory_order_release);
+        engine().output->wake();
         return succeed(true);
     });
 }

@@ -90,13 +90,30 @@ void mixChannel(Channel& ch, float* out, std::size_t frames) {
 
 } // namespace
 
-void mixBlock(MixerTable& table, float* out, std::size_t frames) {
+bool mixBlock(MixerTable& table, float* out, std::size_t frames) {
     std::fill(out, out + frames * 2, 0.0f);
+    bool anyPlayed = false;
     for (std::atomic<Channel*>& slot : table.live) {
         Channel* ch = slot.load(std::memory_order_acquire);
-        if (ch && catchUp(*ch) && ch->state.load(std::memory_order_acquire) == playing)
+        if (!ch)
+            continue;
+        bool current = catchUp(*ch);
+        if (ch->state.load(std::memory_order_acquire) != playing)
+            continue;
+        anyPlayed = true;
+        if (current)
             mixChannel(*ch, out, frames);
     }
+    return anyPlayed;
+}
+
+bool anyPlaying(const MixerTable& table) {
+    for (const std::atomic<Channel*>& slot : table.live) {
+        const Channel* ch = slot.load(std::memory_order_acquire);
+        if (ch && ch->state.load(std::memory_order_acquire) == playing)
+            return true;
+    }
+    return false;
 }
 
 bool readyToMix(Channel& ch, std::size_t frames) {
