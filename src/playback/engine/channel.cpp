@@ -70,6 +70,7 @@ std::shared_ptr<Channel> Channel::start(ProbedFile probed, bool loops, std::stri
 void Channel::stop() {
     quit_.store(true, std::memory_order_release);
     wakeDecoder();
+    signalProgress(); // a waiter for its audio must not wait for a decoder that quits
 }
 
 void Channel::requestSeekLocked(std::uint64_t frame) {

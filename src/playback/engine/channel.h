@@ -92,6 +92,7 @@ struct Channel {
                                           bool midi, std::vector<SoundFontRef> fonts,
                                           DecodeThreads& threads);
     void stop();
+    bool stopping() const { return quit_.load(std::memory_order_acquire); }
 
     // --- The control side (any thread, under the slot's lock).
     // The decoder moves to frame; the mixer stays silent on this channel from now until the

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-// Inside the engine only: one decoder per channel, driven by that channel's decode thread. The
-// engine serialises every call on one decoder, so a decoder needs no locks of its own. Output is
-// always interleaved stereo float at 44100 Hz.
+// Inside the engine only: one decoder per channel, opened, driven and destroyed by that channel's
+// decode thread alone, so a decoder needs no locks of its own. Output is always interleaved
+// stereo float at 44100 Hz.
 constexpr int engineRate = 44100;
 
 class Decoder {

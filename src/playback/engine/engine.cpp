@@ -438,6 +438,30 @@ int midiStreamGetFonts(ChannelHandle stream, MidiFontRecord* out, int count) {
 
 // --- For tests and benchmarks.
 
+namespace {
+
+// Not real time: the next block of every playing channel is waited for, so that a test hears the
+// same mix on every run. The wait holds no lock that a decode thread, a control call or a
+// fade-out worker needs; the output's lock is taken only for each look, in which the null output
+// does the mixer's part of a seek.
+void waitForDecoders(Engine& e, std::size_t count) {
+    std::vector<std::shared_ptr<Channel>> playing;
+    for (Slot& slot : e.slots) {
+        std::lock_guard lock(slot.control);
+        if (slot.channel && slot.channel->state.load() == static_cast<int>(ChannelState::Playing))
+            playing.push_back(slot.channel);
+    }
+    auto deadline = std::chrono::steady_clock::now() + pullWaitBound;
+    for (const std::shared_ptr<Channel>& ch : playing) {
+        ch->waitFor(deadline, [&] {
+            OutputLock lock(*e.output);
+            return ch->stopping() || readyToMix(*ch, count);
+        });
+    }
+}
+
+} // namespace
+
 std::vector<float> nullOutputPull(std::size_t frames) {
     Engine& e = engine();
     if (!e.initialized || !e.output || !e.output->pullable())
@@ -446,16 +470,8 @@ std::vector<float> nullOutputPull(std::size_t frames) {
     constexpr std::size_t block = 1024;
     for (std::size_t done = 0; done < frames; done += block) {
         std::size_t count = std::min(block, frames - done);
-        // Not real time: wait for the decoders, so a test hears the same mix on every run. The
-        // lock keeps every channel in place while it is waited for; the decode threads never
-        // take it.
+        waitForDecoders(e, count);
         OutputLock lock(*e.output);
-        auto deadline = std::chrono::steady_clock::now() + pullWaitBound;
-        for (auto& live : e.mixer.live) {
-            Channel* ch = live.load(std::memory_order_acquire);
-            if (ch && ch->state.load() == static_cast<int>(ChannelState::Playing))
-                ch->waitFor(deadline, [ch, count] { return readyToMix(*ch, count); });
-        }
         mixBlock(e.mixer, mixed.data() + done * 2, count);
     }
     return mixed;

@@ -49,7 +49,7 @@ std::string errorText(int code) {
 }
 
 // FFmpeg's log level is one setting of the whole process, owned by the library rather than by
-// any player state; it is set on the first open, from whichever decode thread that is, so that
+// any player state; it is set on the first probe, from whichever thread that is, so that
 // its warnings about damaged frames never drown our own lines and no caller has to remember it.
 void quietFfmpegLog() {
     static const bool quiet = (av_log_set_level(AV_LOG_ERROR), true);
