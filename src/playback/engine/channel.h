@@ -61,9 +61,9 @@ constexpr std::size_t prefillFrames = 4096;
 // that the decoders work in efficient blocks.
 constexpr std::size_t chunkFrames = 1024;
 
-// The decode threads still running. A freed channel's thread ends by itself, after whatever open
-// or chunk it is in, so that a free never waits for a decoder; the engine waits for them all when
-// it shuts down.
+// The engine's threads still running: the decode threads, and the warm-up of a decoder library at
+// init. A freed channel's thread ends by itself, after whatever open or chunk it is in, so that a
+// free never waits for a decoder; the engine waits for them all when it shuts down.
 class DecodeThreads {
   public:
     void started();

@@ -72,6 +72,10 @@ ProbedFile probeModuleFile(const std::string& path, EngineError& error);
 // The file's tempo map gives the length; the synthesiser is left to the opener.
 ProbedFile probeMidiFile(const std::string& path, EngineError& error);
 
+// libopenmpt builds its tables on the first module that a process loads, about 20 ms here; a tiny
+// module loaded on an engine thread at init spares the first song change that wait.
+void warmUpModuleLoader();
+
 // A probe and an open in one go, for one thread. Each returns null and sets error on failure,
 // after one log line naming the path.
 std::unique_ptr<Decoder> openFfmpegDecoder(const std::string& path, EngineError& error);

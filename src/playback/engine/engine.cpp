@@ -13,6 +13,7 @@
 #include <chrono>
 #include <cmath>
 #include <set>
+#include <thread>
 
 namespace {
 
@@ -214,6 +215,11 @@ bool engineInit(AudioOutput kind) {
     e.output = kind == AudioOutput::Null ? openNullOutput() : openDeviceOutput(e.mixer, error);
     if (!e.output)
         return fail(error, false);
+    e.decodeThreads.started();
+    std::thread([&threads = e.decodeThreads] {
+        warmUpModuleLoader();
+        threads.finished();
+    }).detach();
     e.initialized = true;
     return succeed(true);
 }

@@ -207,6 +207,15 @@ ProbedFile probeModuleFile(const std::string& path, EngineError& error) {
     return {facts, std::make_unique<ModuleOpener>(std::move(*bytes), facts.lengthFrames, path)};
 }
 
+void warmUpModuleLoader() {
+    // A four-channel .mod of one empty pattern: a title, 31 empty samples, one order, "M.K.".
+    std::vector<unsigned char> empty(1084 + 1024, 0);
+    empty[950] = 1;
+    std::memcpy(&empty[1080], "M.K.", 4);
+    EngineError ignored = EngineError::Ok;
+    createModule(empty, "(warm-up)", Samples::Skip, ignored);
+}
+
 std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, EngineError& error) {
     ProbedFile probed = probeModuleFile(path, error);
     return probed.opener ? probed.opener->open({}, error) : nullptr;
