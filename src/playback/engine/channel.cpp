@@ -1,11 +1,11 @@
 #include "playback/engine/channel.h"
 
-#include <chrono>
+#include <thread>
 
 namespace {
-// Frames a decode thread renders at a time: small enough to keep the lock short, large enough
-// that the decoders work in efficient blocks.
-constexpr std::size_t chunkFrames = 1024;
+// Room in the ring that wakes a sleeping decode thread: a quarter of the ring, so that it wakes
+// about five times a second to top the ring up rather than at every block the mixer takes.
+constexpr std::size_t refillFrames = 8192;
 } // namespace
 
 void SharedRamp::store(const VolumeRamp& ramp) {
@@ -29,61 +29,94 @@ VolumeRamp SharedRamp::load() const {
     }
 }
 
-Channel::Channel(std::unique_ptr<Decoder> source, bool loopsAtEnd)
-    : decoder(std::move(source)), loops(loopsAtEnd), lengthFrames(decoder->lengthFrames()),
-      sourceRate(decoder->sourceRate()), sourceChannels(decoder->sourceChannels()),
-      scratch_(chunkFrames * 2) {
-    midi = dynamic_cast<MidiDecoder*>(decoder.get());
-    thread_ = std::thread([this] { decodeLoop(); });
+void DecodeThreads::started() {
+    std::lock_guard lock(lock_);
+    ++running_;
 }
 
-Channel::~Channel() {
+void DecodeThreads::finished() {
+    std::lock_guard lock(lock_);
+    if (--running_ == 0)
+        allDone_.notify_all();
+}
+
+void DecodeThreads::waitForAll() {
+    std::unique_lock lock(lock_);
+    allDone_.wait(lock, [this] { return running_ == 0; });
+}
+
+Channel::Channel(ProbedFile probed, bool loopsAtEnd, std::string file, bool takesFonts,
+                 std::vector<SoundFontRef> firstFonts)
+    : loops(loopsAtEnd), midi(takesFonts), lengthFrames(probed.facts.lengthFrames),
+      sourceRate(probed.facts.sourceRate), sourceChannels(probed.facts.sourceChannels),
+      path(std::move(file)), opener_(std::move(probed.opener)), scratch_(chunkFrames * 2) {
+    if (midi)
+        askedFonts_ = std::move(firstFonts);
+}
+
+std::shared_ptr<Channel> Channel::start(ProbedFile probed, bool loops, std::string path, bool midi,
+                                        std::vector<SoundFontRef> fonts, DecodeThreads& threads) {
+    auto channel = std::make_shared<Channel>(std::move(probed), loops, std::move(path), midi,
+                                             std::move(fonts));
+    threads.started();
+    std::thread([channel, &threads]() mutable {
+        channel->run();
+        channel.reset(); // the last owner, as a rule: the decoder goes on its own thread
+        threads.finished();
+    }).detach();
+    return channel;
+}
+
+void Channel::stop() {
     quit_.store(true, std::memory_order_release);
-    if (thread_.joinable())
-        thread_.join();
+    wakeDecoder();
+    signalProgress(); // a waiter for its audio must not wait for a decoder that quits
 }
 
-void Channel::restartAt(std::uint64_t frame) {
-    ring.clear();
-    marksRead.store(marksWritten.load(std::memory_order_relaxed), std::memory_order_release);
-    ended.store(false, std::memory_order_release);
-    position.store(frame, std::memory_order_release);
+void Channel::requestSeekLocked(std::uint64_t frame) {
+    {
+        std::lock_guard lock(requestLock_);
+        askedFrame_ = frame;
+        heardTarget_.store(frame, std::memory_order_relaxed);
+        seeksAsked.fetch_add(1, std::memory_order_release);
+    }
+    wakeDecoder();
+}
+
+void Channel::requestFonts(std::vector<SoundFontRef> fonts) {
+    {
+        std::lock_guard lock(requestLock_);
+        askedFonts_ = std::move(fonts);
+    }
+    wakeDecoder();
+}
+
+std::uint64_t Channel::heardPosition() const {
+    if (seeksHeard.load(std::memory_order_acquire) != seeksAsked.load(std::memory_order_acquire))
+        return heardTarget_.load(std::memory_order_relaxed);
+    return position.load(std::memory_order_acquire);
 }
 
 bool Channel::hasPrefill(std::size_t frames) const {
     return ring.available() >= frames || ended.load(std::memory_order_acquire);
 }
 
-void Channel::decodeLoop() {
-    while (!quit_.load(std::memory_order_acquire)) {
-        bool worked = false;
-        {
-            std::lock_guard lock(decoderLock);
-            worked = fillLocked();
-        }
-        if (!worked)
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
+void Channel::wakeDecoder() {
+    wake_.fetch_add(1);
+    wake_.notify_one();
 }
 
-bool Channel::fillLocked() {
-    if (ended.load(std::memory_order_relaxed) || ring.space() < chunkFrames)
-        return false;
-    // A short looping file could wrap more often than the mixer takes its marks.
-    if (marksWritten.load(std::memory_order_relaxed) - marksRead.load(std::memory_order_acquire) >=
-        marks.size())
-        return false;
-    std::size_t got = decoder->render(scratch_.data(), chunkFrames);
-    ring.write(scratch_.data(), got);
-    if (got == chunkFrames)
-        return true;
-    if (loops && lengthFrames > 0 && decoder->seek(0)) {
-        std::uint32_t at = marksWritten.load(std::memory_order_relaxed);
-        marks[at % marks.size()] = PositionMark{ring.written(), 0};
-        marksWritten.store(at + 1, std::memory_order_release);
-        return true;
-    }
-    endIndex.store(ring.written(), std::memory_order_relaxed);
-    ended.store(true, std::memory_order_release);
-    return true;
+// Sequentially consistent with the decode thread's asleep_ and wake_: either it sees the room
+// made here before it sleeps, or this sees it asleep and wakes it.
+void Channel::noteFramesTaken() {
+    if (ring.space() < refillFrames)
+        return;
+    wake_.fetch_add(1);
+    if (asleep_.load())
+        wake_.notify_one();
+}
+
+void Channel::signalProgress() {
+    { std::lock_guard lock(progressLock_); } // a waiter is either before its test or asleep
+    progress_.notify_all();
 }

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-// Inside the engine only: one decoder per channel, driven by that channel's decode thread. The
-// engine serialises every call on one decoder, so a decoder needs no locks of its own. Output is
-// always interleaved stereo float at 44100 Hz.
+// Inside the engine only: one decoder per channel, opened, driven and destroyed by that channel's
+// decode thread alone, so a decoder needs no locks of its own. Output is always interleaved
+// stereo float at 44100 Hz.
 constexpr int engineRate = 44100;
 
 class Decoder {
@@ -24,6 +24,9 @@ class Decoder {
     // The source's own rate and channel count, which positions in bytes are counted in.
     virtual int sourceRate() const = 0;
     virtual int sourceChannels() const = 0;
+    // False once the file is shorter than when it was opened (the user cut it), so that a stream
+    // about to loop knows it cannot play the same song again.
+    virtual bool sourceIntact() const { return true; }
 };
 
 // A soundfont as the engine shares it: parsed once, kept alive by every MIDI stream that uses it,
@@ -37,7 +40,44 @@ class MidiDecoder : public Decoder {
     virtual void setFonts(const std::vector<SoundFontRef>& fonts) = 0;
 };
 
-// Each returns null and sets error on failure, after one log line naming the path.
+// What a channel must know of its file at once: the length and the counting of bytes.
+struct SourceFacts {
+    std::uint64_t lengthFrames = 0; // 44100 Hz
+    int sourceRate = engineRate;
+    int sourceChannels = 2;
+};
+
+// The rest of an open, which can take long (a synthesiser to make, fonts to load, a codec to
+// start), for the channel's decode thread.
+class SourceOpener {
+  public:
+    virtual ~SourceOpener() = default;
+    // fonts: a MIDI stream's first fonts; other sources have none. Null and error set after one
+    // log line naming the path. Called once.
+    virtual std::unique_ptr<Decoder> open(const std::vector<SoundFontRef>& fonts,
+                                          EngineError& error) = 0;
+};
+
+// A file read only as far as its facts need; the opener is null on failure.
+struct ProbedFile {
+    SourceFacts facts;
+    std::unique_ptr<SourceOpener> opener;
+};
+
+// On the calling thread, quick: each fails with error set, after one log line naming the path,
+// for a file that cannot be read or is not of its kind.
+ProbedFile probeFfmpegFile(const std::string& path, EngineError& error);
+// libopenmpt's prescan gives the length, on the pattern data only.
+ProbedFile probeModuleFile(const std::string& path, EngineError& error);
+// The file's tempo map gives the length; the synthesiser is left to the opener.
+ProbedFile probeMidiFile(const std::string& path, EngineError& error);
+
+// libopenmpt builds its tables on the first module that a process loads, about 20 ms here; a tiny
+// module loaded on an engine thread at init spares the first song change that wait.
+void warmUpModuleLoader();
+
+// A probe and an open in one go, for one thread. Each returns null and sets error on failure,
+// after one log line naming the path.
 std::unique_ptr<Decoder> openFfmpegDecoder(const std::string& path, EngineError& error);
 std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, EngineError& error);
 std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,

@@ -1,6 +1,8 @@
 #include "playback/engine/engine.h"
 
 #include "playback/engine/channel.h"
+#include "playback/engine/decoderRoles.h"
+#include "playback/engine/fontTable.h"
 #include "playback/engine/mixer.h"
 #include "playback/engine/outputs.h"
 #include "util/ascii.h"
@@ -9,6 +11,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <set>
 #include <thread>
 
@@ -18,18 +21,14 @@ constexpr std::uint32_t fontBit = 0x80000000u;
 constexpr std::uint32_t slotBits = 7;
 constexpr std::uint32_t slotMask = (1u << slotBits) - 1;
 constexpr std::uint32_t generationMask = (fontBit - 1) >> slotBits;
-// Decoded audio a channel holds before it becomes audible: about 90 ms.
-constexpr std::size_t prefillFrames = 4096;
+// How long the null output waits for a decoder before it mixes what there is.
+constexpr auto pullWaitBound = std::chrono::seconds(10);
 
 struct Slot {
     std::mutex control; // serialises every call on this slot, from any thread
     std::atomic<ChannelHandle> handle{0};
-    std::unique_ptr<Channel> channel;
-};
-
-struct FontEntry {
-    FontHandle handle = 0;
-    SoundFontRef font;
+    // Shared with the channel's decode thread, which ends by itself once the slot lets go.
+    std::shared_ptr<Channel> channel;
 };
 
 // The engine is one per process, like the device it drives. Its slots outlive init and free, so
@@ -42,8 +41,8 @@ struct Engine {
     std::array<Slot, maxChannels> slots;
     MixerTable mixer;
     std::uint32_t nextGeneration = 1;
-    std::vector<FontEntry> fonts;
-    std::vector<FontEntry> defaultFonts;
+    FontTable fonts;
+    DecodeThreads decodeThreads;
 
     ~Engine() { shutDownLocked(); }
     void shutDownLocked();
@@ -88,59 +87,34 @@ template <typename T, typename Work> T withChannel(ChannelHandle handle, T faile
     return work(*slot->channel, *slot);
 }
 
-// Takes the channel out of the mixer's sight and out of its slot; the caller destroys it.
-std::unique_ptr<Channel> detachLocked(Slot& slot, int index) {
+// Takes the channel out of the mixer's sight and out of its slot, and tells its decode thread to
+// end; that thread lets go of the channel last, after whatever open or chunk it is in.
+void detachLocked(Slot& slot, int index) {
     {
         OutputLock lock(*engine().output);
         engine().mixer.live[index].store(nullptr, std::memory_order_release);
     }
     slot.handle.store(0, std::memory_order_release);
-    return std::move(slot.channel);
+    slot.channel->stop();
+    slot.channel.reset();
 }
 
 void Engine::shutDownLocked() {
     if (!initialized)
         return;
-    std::vector<std::unique_ptr<Channel>> gone;
     for (int i = 0; i < maxChannels; ++i) {
         std::lock_guard lock(slots[i].control);
         if (slots[i].channel)
-            gone.push_back(detachLocked(slots[i], i));
+            detachLocked(slots[i], i);
     }
-    gone.clear(); // joins the decode threads
+    decodeThreads.waitForAll(); // no decoder outlives the engine's fonts and output
     output.reset();
-    fonts.clear();
-    defaultFonts.clear();
+    fonts = {};
     initialized = false;
 }
 
-// The decoder role a file needs, empty when the core decoders serve it.
-std::string roleOf(const std::string& ext) {
-    if (ext == ".mid" || ext == ".midi")
-        return "midi";
-    if (ext == ".m4a")
-        return "aac";
-    if (ext == ".flac")
-        return "flac";
-    return {};
-}
-
-std::vector<SoundFontRef> fontRefs(const std::vector<FontEntry>& entries) {
-    std::vector<SoundFontRef> refs;
-    for (const FontEntry& entry : entries)
-        refs.push_back(entry.font);
-    return refs;
-}
-
-std::vector<FontHandle> fontHandles(const std::vector<FontEntry>& entries) {
-    std::vector<FontHandle> handles;
-    for (const FontEntry& entry : entries)
-        handles.push_back(entry.handle);
-    return handles;
-}
-
 // Puts a new channel into a free slot and before the mixer; 0 when every slot is taken.
-ChannelHandle installChannel(std::unique_ptr<Channel> channel) {
+ChannelHandle installChannel(std::shared_ptr<Channel> channel) {
     Engine& e = engine();
     for (int i = 0; i < maxChannels; ++i) {
         Slot& slot = e.slots[i];
@@ -156,6 +130,7 @@ ChannelHandle installChannel(std::unique_ptr<Channel> channel) {
         slot.handle.store(handle, std::memory_order_release);
         return succeed(handle);
     }
+    channel->stop();
     return fail(EngineError::Memory, ChannelHandle{0});
 }
 
@@ -164,38 +139,35 @@ ChannelHandle createChannel(const std::string& path, bool module) {
     std::lock_guard lock(e.lifecycle);
     if (!e.initialized)
         return fail(EngineError::Init, ChannelHandle{0});
-    std::string role = module ? std::string() : roleOf(asciiLower(extensionOf(fileNameOf(path))));
+    std::string role =
+        module ? std::string() : roleOfExtension(asciiLower(extensionOf(fileNameOf(path))));
     if (!role.empty() && !e.roles.count(role)) {
         logOut("No %s decoder is loaded for %s\n", role.c_str(), path.c_str());
         return fail(EngineError::FileFormat, ChannelHandle{0});
     }
+    // Only what the length and the byte counts need happens here; the decode thread does the
+    // rest, so that a song change never makes the window wait.
     EngineError error = EngineError::Ok;
-    std::unique_ptr<Decoder> decoder;
-    std::vector<FontHandle> fonts;
-    if (module) {
-        decoder = openModuleDecoder(path, error);
-    } else if (role == "midi") {
-        decoder = openMidiDecoder(path, fontRefs(e.defaultFonts), error);
-        fonts = fontHandles(e.defaultFonts);
-    } else {
-        decoder = openFfmpegDecoder(path, error);
-    }
-    if (!decoder)
+    bool midi = role == "midi";
+    ProbedFile probed = module ? probeModuleFile(path, error)
+                        : midi ? probeMidiFile(path, error)
+                               : probeFfmpegFile(path, error);
+    if (!probed.opener)
         return fail(error, ChannelHandle{0});
-    auto channel = std::make_unique<Channel>(std::move(decoder), !module);
-    channel->fonts = std::move(fonts);
-    channel->volume.store(VolumeRamp{});
+    std::vector<SoundFontRef> fonts =
+        midi ? fontRefs(e.fonts.defaults) : std::vector<SoundFontRef>{};
+    auto channel =
+        Channel::start(std::move(probed), !module, path, midi, std::move(fonts), e.decodeThreads);
+    if (midi)
+        channel->fonts = fontHandles(e.fonts.defaults);
     return installChannel(std::move(channel));
 }
 
 bool freeChannel(ChannelHandle handle) {
-    std::unique_ptr<Channel> gone;
-    bool ok = withChannel(handle, false, [&](Channel&, Slot& slot) {
-        gone = detachLocked(slot, static_cast<int>((handle & slotMask) - 1));
-        return true;
+    return withChannel(handle, false, [handle](Channel&, Slot& slot) {
+        detachLocked(slot, static_cast<int>((handle & slotMask) - 1));
+        return succeed(true);
     });
-    gone.reset(); // joins its decode thread outside the slot's lock
-    return ok ? succeed(true) : false;
 }
 
 std::uint64_t toBytes(const Channel& ch, std::uint64_t frames) {
@@ -219,11 +191,7 @@ std::uint64_t msToFrames(int milliseconds) {
 // --- Set-up.
 
 std::uint32_t pluginLoad(const std::string& name) {
-    std::string lower = asciiLower(name);
-    std::string role = lower.find("midi") != std::string::npos   ? "midi"
-                       : lower.find("aac") != std::string::npos  ? "aac"
-                       : lower.find("flac") != std::string::npos ? "flac"
-                                                                 : "";
+    std::string role = roleOfPluginName(name);
     if (role.empty())
         return fail(EngineError::FileOpen, 0u);
     if (!decoderRoleAvailable(role))
@@ -247,6 +215,11 @@ bool engineInit(AudioOutput kind) {
     e.output = kind == AudioOutput::Null ? openNullOutput() : openDeviceOutput(e.mixer, error);
     if (!e.output)
         return fail(error, false);
+    e.decodeThreads.started();
+    std::thread([&threads = e.decodeThreads] {
+        warmUpModuleLoader();
+        threads.finished();
+    }).detach();
     e.initialized = true;
     return succeed(true);
 }
@@ -286,16 +259,12 @@ ChannelHandle musicLoad(const std::string& path) {
     return createChannel(path, true);
 }
 
+// Nothing waits for the decoder here: the mixer starts the channel once its first audio is
+// decoded, so the start never begins with a gap and the window never waits.
 bool channelPlay(ChannelHandle handle) {
     return withChannel(handle, false, [](Channel& ch, Slot&) {
-        int state = ch.state.load(std::memory_order_acquire);
-        if (state == static_cast<int>(ChannelState::Playing))
-            return succeed(true);
-        // Audible only once there is audio to hear, so the start never begins with a gap.
-        auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-        while (!ch.hasPrefill(prefillFrames) && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::sleep_for(std::chrono::microseconds(200));
         ch.state.store(static_cast<int>(ChannelState::Playing), std::memory_order_release);
+        engine().output->wake();
         return succeed(true);
     });
 }
@@ -334,6 +303,8 @@ bool musicFree(ChannelHandle handle) {
 
 bool channelSetVolume(ChannelHandle handle, float volume) {
     return withChannel(handle, false, [volume](Channel& ch, Slot&) {
+        if (!std::isfinite(volume))
+            return fail(EngineError::IllegalParam, false);
         std::uint64_t now = ch.played.load(std::memory_order_acquire);
         ch.volume.store(VolumeRamp{volume, volume, now, 0});
         return succeed(true);
@@ -349,6 +320,8 @@ bool channelGetVolume(ChannelHandle handle, float& volume) {
 
 bool channelSlideVolume(ChannelHandle handle, float target, int milliseconds) {
     return withChannel(handle, false, [=](Channel& ch, Slot&) {
+        if (!std::isfinite(target))
+            return fail(EngineError::IllegalParam, false);
         std::uint64_t now = ch.played.load(std::memory_order_acquire);
         float from = ch.volume.load().at(now);
         ch.volume.store(VolumeRamp{from, target, now, msToFrames(milliseconds)});
@@ -362,9 +335,8 @@ std::uint64_t channelGetLength(ChannelHandle handle) {
 }
 
 std::uint64_t channelGetPosition(ChannelHandle handle) {
-    return withChannel(handle, noPosition, [](Channel& ch, Slot&) {
-        return succeed(toBytes(ch, ch.position.load(std::memory_order_acquire)));
-    });
+    return withChannel(handle, noPosition,
+                       [](Channel& ch, Slot&) { return succeed(toBytes(ch, ch.heardPosition())); });
 }
 
 double channelBytesToSeconds(ChannelHandle handle, std::uint64_t bytes) {
@@ -388,11 +360,9 @@ bool channelSetPosition(ChannelHandle handle, std::uint64_t bytes) {
         if (bytes > toBytes(ch, ch.lengthFrames))
             return fail(EngineError::Position, false);
         std::uint64_t frame = std::min(toFrames(ch, bytes), ch.lengthFrames);
-        std::lock_guard decoderLock(ch.decoderLock);
-        if (!ch.decoder->seek(frame))
-            return fail(EngineError::Position, false);
+        // The buffered audio is not heard from here on; the decode thread seeks.
         OutputLock outputLock(*engine().output);
-        ch.restartAt(frame);
+        ch.requestSeekLocked(frame);
         return succeed(true);
     });
 }
@@ -415,7 +385,7 @@ FontHandle midiFontInit(const std::string& path) {
     if (!font)
         return fail(error, FontHandle{0});
     FontHandle handle = fontBit | (e.takeGeneration() << slotBits);
-    e.fonts.push_back(FontEntry{handle, std::move(font)});
+    e.fonts.loaded.push_back(FontEntry{handle, std::move(font)});
     return succeed(handle);
 }
 
@@ -424,13 +394,9 @@ bool midiFontFree(FontHandle font) {
         return succeed(true);
     Engine& e = engine();
     std::lock_guard lock(e.lifecycle);
-    auto named = [font](const FontEntry& entry) { return entry.handle == font; };
-    auto it = std::find_if(e.fonts.begin(), e.fonts.end(), named);
-    if (it == e.fonts.end())
-        return fail(EngineError::Handle, false);
-    e.fonts.erase(it);
     // Streams that use it keep their own reference; only streams to come lose it.
-    std::erase_if(e.defaultFonts, named);
+    if (!removeFont(e.fonts, font))
+        return fail(EngineError::Handle, false);
     return succeed(true);
 }
 
@@ -441,24 +407,17 @@ bool midiStreamSetFonts(ChannelHandle stream, const MidiFontRecord* records, int
         std::lock_guard lock(e.lifecycle);
         if (!e.initialized)
             return fail(EngineError::Init, false);
-        for (int i = 0; i < count; ++i) {
-            auto it = std::find_if(e.fonts.begin(), e.fonts.end(), [&](const FontEntry& entry) {
-                return entry.handle == records[i].font;
-            });
-            if (it == e.fonts.end())
-                return fail(EngineError::Handle, false);
-            chosen.push_back(*it);
-        }
+        if (!chooseFonts(e.fonts, records, count, chosen))
+            return fail(EngineError::Handle, false);
         if (stream == 0) {
-            e.defaultFonts = chosen;
+            e.fonts.defaults = chosen;
             return succeed(true);
         }
     }
     return withChannel(stream, false, [&chosen](Channel& ch, Slot&) {
         if (!ch.midi)
             return fail(EngineError::IllegalType, false);
-        std::lock_guard decoderLock(ch.decoderLock);
-        ch.midi->setFonts(fontRefs(chosen));
+        ch.requestFonts(fontRefs(chosen)); // heard from the decoder's next chunk on
         ch.fonts = fontHandles(chosen);
         return succeed(true);
     });
@@ -474,7 +433,7 @@ int midiStreamGetFonts(ChannelHandle stream, MidiFontRecord* out, int count) {
         std::lock_guard lock(engine().lifecycle);
         if (!engine().initialized)
             return fail(EngineError::Init, -1);
-        return report(fontHandles(engine().defaultFonts));
+        return report(fontHandles(engine().fonts.defaults));
     }
     return withChannel(stream, -1, [&report](Channel& ch, Slot&) {
         if (!ch.midi)
@@ -485,6 +444,30 @@ int midiStreamGetFonts(ChannelHandle stream, MidiFontRecord* out, int count) {
 
 // --- For tests and benchmarks.
 
+namespace {
+
+// Not real time: the next block of every playing channel is waited for, so that a test hears the
+// same mix on every run. The wait holds no lock that a decode thread, a control call or a
+// fade-out worker needs; the output's lock is taken only for each look, in which the null output
+// does the mixer's part of a seek.
+void waitForDecoders(Engine& e, std::size_t count) {
+    std::vector<std::shared_ptr<Channel>> playing;
+    for (Slot& slot : e.slots) {
+        std::lock_guard lock(slot.control);
+        if (slot.channel && slot.channel->state.load() == static_cast<int>(ChannelState::Playing))
+            playing.push_back(slot.channel);
+    }
+    auto deadline = std::chrono::steady_clock::now() + pullWaitBound;
+    for (const std::shared_ptr<Channel>& ch : playing) {
+        ch->waitFor(deadline, [&] {
+            OutputLock lock(*e.output);
+            return ch->stopping() || readyToMix(*ch, count);
+        });
+    }
+}
+
+} // namespace
+
 std::vector<float> nullOutputPull(std::size_t frames) {
     Engine& e = engine();
     if (!e.initialized || !e.output || !e.output->pullable())
@@ -493,16 +476,8 @@ std::vector<float> nullOutputPull(std::size_t frames) {
     constexpr std::size_t block = 1024;
     for (std::size_t done = 0; done < frames; done += block) {
         std::size_t count = std::min(block, frames - done);
-        // Not real time: wait for the decoders, so a test hears the same mix on every run. The
-        // lock keeps every channel in place while it is waited for.
+        waitForDecoders(e, count);
         OutputLock lock(*e.output);
-        for (auto& live : e.mixer.live) {
-            Channel* ch = live.load(std::memory_order_acquire);
-            if (!ch || ch->state.load() != static_cast<int>(ChannelState::Playing))
-                continue;
-            for (int i = 0; i < 20000 && !ch->hasPrefill(count); ++i)
-                std::this_thread::sleep_for(std::chrono::microseconds(100));
-        }
         mixBlock(e.mixer, mixed.data() + done * 2, count);
     }
     return mixed;

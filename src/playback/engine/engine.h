@@ -56,14 +56,18 @@ EngineError engineErrorCode();
 // Between a successful init and the next free.
 bool engineIsInitialized();
 
-// --- Channels.
+// --- Channels. Every call returns at once: a create reads only what the length needs, and the
+// channel's decode thread opens the decoder. A file that cannot be read or is not of its kind
+// fails the create; one that turns out undecodable on the decode thread ends its channel as at
+// its end (Stopped, its position at its length).
 // A stream on a MIDI or MP3-family file; it loops at its end.
 ChannelHandle streamCreateFile(const std::string& path);
 // Internet streams arrive with the stations; until then this fails with NotAvailable.
 ChannelHandle streamCreateUrl(const std::string& url);
 // A tracker module, length known at once; it stops at its end.
 ChannelHandle musicLoad(const std::string& path);
-// Starts or resumes without rewinding, after the first audio is decoded.
+// Starts or resumes without rewinding; the channel is heard, and its slides move, from its first
+// decoded audio on.
 bool channelPlay(ChannelHandle handle);
 bool channelPause(ChannelHandle handle);
 bool channelStop(ChannelHandle handle);
@@ -71,7 +75,8 @@ ChannelState channelIsActive(ChannelHandle handle);
 bool streamFree(ChannelHandle handle);
 bool musicFree(ChannelHandle handle);
 
-// --- Volume, positions, tags. A slide moves with the frames the channel plays.
+// --- Volume, positions, tags. A slide moves with the frames the channel plays. A volume that is
+// NaN or infinite fails with IllegalParam and leaves the channel's volume as it was.
 bool channelSetVolume(ChannelHandle handle, float volume);
 bool channelGetVolume(ChannelHandle handle, float& volume);
 bool channelSlideVolume(ChannelHandle handle, float target, int milliseconds);
@@ -81,7 +86,9 @@ std::uint64_t channelGetPosition(ChannelHandle handle);
 // Exactly -1.0 for a bad handle.
 double channelBytesToSeconds(ChannelHandle handle, std::uint64_t bytes);
 std::uint64_t channelSecondsToBytes(ChannelHandle handle, double seconds);
-// Refuses a position outside the channel and leaves it where it was.
+// Refuses a position outside the channel and leaves it where it was. The buffered audio is not
+// heard any more; the channel is silent, its position the one asked for, until the decoder is
+// there.
 bool channelSetPosition(ChannelHandle handle, std::uint64_t bytes);
 // Zero-separated list ending in an empty string (Http, Icy) or one string (Meta); null if none.
 const char* channelGetTags(ChannelHandle handle, TagKind kind);
@@ -89,7 +96,8 @@ const char* channelGetTags(ChannelHandle handle, TagKind kind);
 // --- MIDI.
 FontHandle midiFontInit(const std::string& path);
 bool midiFontFree(FontHandle font);
-// Stream 0 sets the default fonts of every MIDI stream created afterwards.
+// Stream 0 sets the default fonts of every MIDI stream created afterwards; a stream's own fonts
+// are loaded on its decode thread and heard from its next decoded audio on.
 bool midiStreamSetFonts(ChannelHandle stream, const MidiFontRecord* fonts, int count);
 // The number of fonts set, with records filled when out is not null; -1 on failure.
 int midiStreamGetFonts(ChannelHandle stream, MidiFontRecord* out, int count);

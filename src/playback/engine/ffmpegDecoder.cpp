@@ -49,7 +49,7 @@ std::string errorText(int code) {
 }
 
 // FFmpeg's log level is one setting of the whole process, owned by the library rather than by
-// any player state; it is set on the first open, from whichever decode thread that is, so that
+// any player state; it is set on the first probe, from whichever thread that is, so that
 // its warnings about damaged frames never drown our own lines and no caller has to remember it.
 void quietFfmpegLog() {
     static const bool quiet = (av_log_set_level(AV_LOG_ERROR), true);
@@ -99,8 +99,13 @@ struct Length {
     bool exact = false;       // from the container, not guessed from the bit rate
 };
 
-Length lengthOf(const AVFormatContext* format, const AVStream* stream, std::int64_t startTs,
-                const std::string& path) {
+// The stream time of the first audible sample.
+std::int64_t startOf(const AVStream* stream) {
+    return stream->start_time != AV_NOPTS_VALUE ? stream->start_time : 0;
+}
+
+Length lengthOf(const AVFormatContext* format, const AVStream* stream, const std::string& path) {
+    const std::int64_t startTs = startOf(stream);
     const int rate = stream->codecpar->sample_rate;
     std::int64_t samples = 0;
     bool exact = false;
@@ -163,13 +168,14 @@ ResamplerPtr makeResampler(const AVFrame* frame) {
 
 class FfmpegDecoder final : public Decoder {
   public:
-    FfmpegDecoder(FormatPtr format, CodecPtr codec, int streamIndex, const std::string& path);
+    FfmpegDecoder(FormatPtr format, CodecPtr codec, int streamIndex, Length length);
 
     std::size_t render(float* out, std::size_t frames) override;
     bool seek(std::uint64_t frame) override;
     std::uint64_t lengthFrames() const override { return length_.frames; }
     int sourceRate() const override { return sourceRate_; }
     int sourceChannels() const override { return sourceChannels_; }
+    bool sourceIntact() const override;
 
     // Decodes up to the first output, so that a file with nothing to play fails at open.
     bool prime(EngineError& error);
@@ -197,6 +203,7 @@ class FfmpegDecoder final : public Decoder {
     std::int64_t firstPacketTs_ = AV_NOPTS_VALUE; // where a seek to the beginning goes
     std::int64_t preroll_; // source samples decoded and dropped before a seek target
     Length length_;
+    std::int64_t openedSize_;    // bytes, or negative when the source cannot tell
     std::vector<float> pending_; // converted output not yet handed out, reused
     std::vector<const std::uint8_t*> planes_;
     std::size_t pendingRead_ = 0; // frames of pending_ handed out
@@ -211,14 +218,13 @@ class FfmpegDecoder final : public Decoder {
     bool resamplerFlushed_ = false;
 };
 
-FfmpegDecoder::FfmpegDecoder(FormatPtr format, CodecPtr codec, int streamIndex,
-                             const std::string& path)
+FfmpegDecoder::FfmpegDecoder(FormatPtr format, CodecPtr codec, int streamIndex, Length length)
     : format_(std::move(format)), codec_(std::move(codec)), frame_(av_frame_alloc()),
       packet_(av_packet_alloc()), stream_(format_->streams[streamIndex]), streamIndex_(streamIndex),
       sourceRate_(stream_->codecpar->sample_rate),
-      sourceChannels_(stream_->codecpar->ch_layout.nb_channels),
-      startTs_(stream_->start_time != AV_NOPTS_VALUE ? stream_->start_time : 0) {
-    length_ = lengthOf(format_.get(), stream_, startTs_, path);
+      sourceChannels_(stream_->codecpar->ch_layout.nb_channels), startTs_(startOf(stream_)),
+      length_(length) {
+    openedSize_ = format_->pb ? avio_size(format_->pb) : -1;
     // Lossy decoders need history before their output after a seek matches a straight run:
     // MP3's bit reservoir reaches back 511 bytes (five of the smallest frames) and every such
     // decoder overlaps frames. A quarter of a second covers both; a tenth was too little.
@@ -385,6 +391,12 @@ std::size_t FfmpegDecoder::render(float* out, std::size_t frames) {
     return done;
 }
 
+// A file's size comes from fstat on the descriptor FFmpeg reads, so a file that was replaced or
+// deleted under its name still counts as the one opened.
+bool FfmpegDecoder::sourceIntact() const {
+    return openedSize_ < 0 || avio_size(format_->pb) >= openedSize_;
+}
+
 // Moves the demuxer to a stream time and forgets everything decoded before.
 bool FfmpegDecoder::restartAt(std::int64_t timestamp) {
     if (av_seek_frame(format_.get(), streamIndex_, timestamp, AVSEEK_FLAG_BACKWARD) < 0)
@@ -484,41 +496,71 @@ CodecPtr openCodec(const std::string& path, const AVStream* stream, const AVCode
     return context;
 }
 
+// The format context, probed on the calling thread, goes to the decode thread with the opener.
+class FfmpegOpener final : public SourceOpener {
+  public:
+    FfmpegOpener(FormatPtr format, int index, const AVCodec* codec, Length length, std::string path)
+        : format_(std::move(format)), index_(index), codec_(codec), length_(length),
+          path_(std::move(path)) {}
+
+    std::unique_ptr<Decoder> open(const std::vector<SoundFontRef>&, EngineError& error) override {
+        CodecPtr context = openCodec(path_, format_->streams[index_], codec_, error);
+        if (!context)
+            return nullptr;
+        auto decoder = std::make_unique<FfmpegDecoder>(std::move(format_), std::move(context),
+                                                       index_, length_);
+        if (!decoder->prime(error)) {
+            logFailure(path_, error == EngineError::Memory ? "out of memory" : "no audio decoded");
+            return nullptr;
+        }
+        error = EngineError::Ok;
+        return decoder;
+    }
+
+  private:
+    FormatPtr format_;
+    int index_;
+    const AVCodec* codec_;
+    Length length_;
+    std::string path_;
+};
+
 } // namespace
 
-std::unique_ptr<Decoder> openFfmpegDecoder(const std::string& path, EngineError& error) {
+// avformat_open_input and avformat_find_stream_info: a millisecond or two for a local file, and
+// the only exact way to the rate of an MP3 and to the length of one without a LAME tag.
+ProbedFile probeFfmpegFile(const std::string& path, EngineError& error) {
     quietFfmpegLog();
     FormatPtr format = openFormat(path, error);
     if (!format)
-        return nullptr;
+        return {};
     const AVCodec* codec = nullptr;
     int index = av_find_best_stream(format.get(), AVMEDIA_TYPE_AUDIO, -1, -1, &codec, 0);
     if (index < 0) {
         error = index == AVERROR_DECODER_NOT_FOUND ? EngineError::Codec : EngineError::FileFormat;
         logFailure(path, index == AVERROR_DECODER_NOT_FOUND ? "no decoder for its audio"
                                                             : "no audio stream");
-        return nullptr;
+        return {};
     }
     AVStream* stream = format->streams[index];
     if (stream->codecpar->sample_rate <= 0 || stream->codecpar->ch_layout.nb_channels <= 0) {
         error = EngineError::FileFormat;
         logFailure(path, "its audio has no rate or channels");
-        return nullptr;
+        return {};
     }
     for (unsigned i = 0; i < format->nb_streams; ++i) // cover art and the like are never read
         if (static_cast<int>(i) != index)
             format->streams[i]->discard = AVDISCARD_ALL;
-    CodecPtr context = openCodec(path, stream, codec, error);
-    if (!context)
-        return nullptr;
-    auto decoder =
-        std::make_unique<FfmpegDecoder>(std::move(format), std::move(context), index, path);
-    if (!decoder->prime(error)) {
-        logFailure(path, error == EngineError::Memory ? "out of memory" : "no audio decoded");
-        return nullptr;
-    }
+    Length length = lengthOf(format.get(), stream, path);
+    SourceFacts facts{length.frames, stream->codecpar->sample_rate,
+                      stream->codecpar->ch_layout.nb_channels};
     error = EngineError::Ok;
-    return decoder;
+    return {facts, std::make_unique<FfmpegOpener>(std::move(format), index, codec, length, path)};
+}
+
+std::unique_ptr<Decoder> openFfmpegDecoder(const std::string& path, EngineError& error) {
+    ProbedFile probed = probeFfmpegFile(path, error);
+    return probed.opener ? probed.opener->open({}, error) : nullptr;
 }
 
 bool decoderRoleAvailable(const std::string& role) {

@@ -1,5 +1,7 @@
 // MIDI through FluidSynth: one synth and one player per stream, fonts shared between streams.
 #include "playback/engine/decoder.h"
+#include "playback/engine/fileBytes.h"
+#include "playback/engine/midiTempoMap.h"
 #include "util/log.h"
 
 #include <algorithm>
@@ -11,7 +13,6 @@
 #include <filesystem>
 #include <fluidsynth.h>
 #include <mutex>
-#include <optional>
 
 namespace {
 
@@ -65,207 +66,6 @@ SettingsPtr makeSettings() {
     return settings;
 }
 
-std::optional<std::vector<unsigned char>> readWholeFile(const std::string& path, int& errorNumber) {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                         &std::fclose);
-    if (!file) {
-        errorNumber = errno;
-        return std::nullopt;
-    }
-    std::vector<unsigned char> bytes;
-    unsigned char chunk[16384];
-    std::size_t got = 0;
-    while ((got = std::fread(chunk, 1, sizeof chunk, file.get())) > 0) {
-        bytes.insert(bytes.end(), chunk, chunk + got);
-        if (bytes.size() >= 4 && std::memcmp(bytes.data(), "MThd", 4) != 0)
-            break; // not MIDI: an album's worth of audio named .mid need not be read
-    }
-    if (std::ferror(file.get())) {
-        errorNumber = errno;
-        return std::nullopt;
-    }
-    return bytes;
-}
-
-// ---- The file's own timing -----------------------------------------------------------------
-// FluidSynth's player only knows a file's length once it plays it, so the length and the
-// frame-to-tick conversion of a seek come from reading the tracks here: a tempo map over all
-// tracks, and the end at the last event of any track, end-of-track included.
-
-struct TempoPoint {
-    std::uint64_t tick = 0;
-    double seconds = 0.0;
-    double secondsPerTick = 0.0;
-};
-
-struct MidiTiming {
-    std::vector<TempoPoint> tempoMap; // starts at tick 0
-    std::uint64_t endTick = 0;
-
-    double secondsAt(double tick) const {
-        auto it = std::find_if(tempoMap.rbegin(), tempoMap.rend(),
-                               [&](const TempoPoint& p) { return double(p.tick) <= tick; });
-        return it->seconds + (tick - double(it->tick)) * it->secondsPerTick;
-    }
-    double tickAt(double seconds) const {
-        auto it = std::find_if(tempoMap.rbegin(), tempoMap.rend(),
-                               [&](const TempoPoint& p) { return p.seconds <= seconds; });
-        return double(it->tick) + (seconds - it->seconds) / it->secondsPerTick;
-    }
-};
-
-struct TempoEvent {
-    std::uint64_t tick;
-    std::uint32_t microsPerQuarter;
-};
-
-class ByteReader {
-  public:
-    ByteReader(const unsigned char* begin, const unsigned char* end) : at_(begin), end_(end) {}
-    bool done() const { return at_ >= end_; }
-    bool has(std::size_t n) const { return std::size_t(end_ - at_) >= n; }
-    unsigned char peek() const { return *at_; }
-    unsigned char byte() { return *at_++; }
-    void skip(std::size_t n) { at_ += n; }
-    // The next n bytes as a reader of their own; this one moves past them.
-    ByteReader take(std::size_t n) {
-        ByteReader part(at_, at_ + n);
-        at_ += n;
-        return part;
-    }
-    std::uint32_t bigEndian(int n) {
-        std::uint32_t value = 0;
-        while (n-- > 0)
-            value = value << 8 | *at_++;
-        return value;
-    }
-    // A variable-length quantity of at most four bytes; false if it runs off the end.
-    bool varLen(std::uint32_t& value) {
-        value = 0;
-        for (int i = 0; i < 4 && !done(); ++i) {
-            unsigned char b = byte();
-            value = value << 7 | (b & 0x7F);
-            if (!(b & 0x80))
-                return true;
-        }
-        return false;
-    }
-
-  private:
-    const unsigned char* at_;
-    const unsigned char* end_;
-};
-
-// Walks one track; returns the tick of its last event, or nothing if the track is damaged.
-std::optional<std::uint64_t> readTrack(ByteReader track, std::vector<TempoEvent>& tempos) {
-    std::uint64_t tick = 0;
-    unsigned char running = 0;
-    while (!track.done()) {
-        std::uint32_t delta = 0;
-        if (!track.varLen(delta) || track.done())
-            return std::nullopt;
-        tick += delta;
-        // Any status byte, a meta event's too, becomes the running status, as FluidSynth's
-        // reader takes it: the length must be that of the song FluidSynth plays.
-        if (track.peek() & 0x80)
-            running = track.byte();
-        unsigned char status = running;
-        std::uint32_t length = 0;
-        if (status == 0xFF) {
-            if (!track.has(1))
-                return std::nullopt;
-            unsigned char type = track.byte();
-            if (!track.varLen(length) || !track.has(length))
-                return std::nullopt;
-            if (type == 0x51 && length == 3) {
-                std::uint32_t micros = track.bigEndian(3);
-                if (micros > 0) // a tempo of zero would stop the clock
-                    tempos.push_back({tick, micros});
-            } else {
-                track.skip(length);
-            }
-            if (type == 0x2F)
-                return tick;
-        } else if (status == 0xF0 || status == 0xF7) {
-            if (!track.varLen(length) || !track.has(length))
-                return std::nullopt;
-            track.skip(length);
-        } else if (status >= 0x80 && status < 0xF0) {
-            std::size_t dataBytes = (status & 0xE0) == 0xC0 ? 1 : 2; // program, channel pressure
-            if (!track.has(dataBytes))
-                return std::nullopt;
-            track.skip(dataBytes);
-        } else {
-            return std::nullopt; // a data byte with no status before it, or a real-time byte
-        }
-    }
-    return tick;
-}
-
-MidiTiming buildTempoMap(int division, std::vector<TempoEvent> tempos, std::uint64_t endTick) {
-    std::stable_sort(tempos.begin(), tempos.end(),
-                     [](const TempoEvent& a, const TempoEvent& b) { return a.tick < b.tick; });
-    MidiTiming timing;
-    timing.endTick = endTick;
-    timing.tempoMap.push_back({0, 0.0, 0.5 / division}); // 120 bpm until told otherwise
-    for (const TempoEvent& tempo : tempos) {
-        double secondsPerTick = tempo.microsPerQuarter / 1e6 / division;
-        if (tempo.tick == timing.tempoMap.back().tick)
-            timing.tempoMap.back().secondsPerTick = secondsPerTick;
-        else
-            timing.tempoMap.push_back(
-                {tempo.tick, timing.secondsAt(double(tempo.tick)), secondsPerTick});
-    }
-    return timing;
-}
-
-enum class MidiProblem { None, NotMidi, Smpte };
-
-// A Standard MIDI File: "MThd", then its tracks; chunks of other kinds are skipped, as players do.
-MidiTiming readMidiTiming(const std::vector<unsigned char>& bytes, MidiProblem& problem) {
-    ByteReader file(bytes.data(), bytes.data() + bytes.size());
-    problem = MidiProblem::NotMidi;
-    if (!file.has(14) || std::memcmp(bytes.data(), "MThd", 4) != 0)
-        return {};
-    file.skip(4);
-    std::uint32_t headerLength = file.bigEndian(4);
-    if (headerLength < 6 || !file.has(headerLength))
-        return {};
-    file.skip(2); // format: FluidSynth plays the tracks of 0, 1 and 2 side by side alike
-    std::uint32_t trackCount = file.bigEndian(2);
-    std::uint32_t division = file.bigEndian(2);
-    file.skip(headerLength - 6);
-    if (division & 0x8000) {
-        problem = MidiProblem::Smpte; // FluidSynth's player refuses frame-based time
-        return {};
-    }
-    if (division == 0 || trackCount == 0)
-        return {};
-    std::vector<TempoEvent> tempos;
-    std::uint64_t endTick = 0;
-    std::uint32_t tracksRead = 0;
-    while (tracksRead < trackCount && file.has(8)) {
-        char id[4];
-        for (char& c : id)
-            c = static_cast<char>(file.byte());
-        std::uint32_t length = file.bigEndian(4);
-        if (!file.has(length))
-            return {};
-        ByteReader chunk = file.take(length);
-        if (std::memcmp(id, "MTrk", 4) != 0)
-            continue;
-        std::optional<std::uint64_t> last = readTrack(chunk, tempos);
-        if (!last)
-            return {};
-        endTick = std::max(endTick, *last);
-        ++tracksRead;
-    }
-    if (tracksRead == 0)
-        return {};
-    problem = MidiProblem::None;
-    return buildTempoMap(int(division), std::move(tempos), endTick);
-}
-
 } // namespace
 
 // A soundfont loaded into a synth of its own that never plays. FluidSynth keeps the sample data
@@ -291,12 +91,16 @@ namespace {
 
 constexpr std::size_t blockFrames = 64; // FluidSynth renders, and its player ticks, per block
 
+std::uint64_t framesAt(const MidiTiming& timing, std::uint64_t tick) {
+    return static_cast<std::uint64_t>(std::llround(timing.secondsAt(double(tick)) * engineRate));
+}
+
 class FluidMidiDecoder final : public MidiDecoder {
   public:
-    FluidMidiDecoder(std::string path, std::vector<unsigned char> bytes, const MidiTiming& timing,
-                     SettingsPtr settings, SynthPtr synth)
-        : path_(std::move(path)), bytes_(std::move(bytes)), timing_(timing),
-          length_(framesAt(timing.endTick)), settings_(std::move(settings)),
+    FluidMidiDecoder(std::string path, FilePtr file, std::vector<unsigned char> bytes,
+                     const MidiTiming& timing, SettingsPtr settings, SynthPtr synth)
+        : path_(std::move(path)), file_(std::move(file)), bytes_(std::move(bytes)), timing_(timing),
+          length_(framesAt(timing, timing.endTick)), settings_(std::move(settings)),
           synth_(std::move(synth)) {}
 
     std::size_t render(float* out, std::size_t frames) override {
@@ -326,19 +130,19 @@ class FluidMidiDecoder final : public MidiDecoder {
     std::uint64_t lengthFrames() const override { return length_; }
     int sourceRate() const override { return engineRate; }
     int sourceChannels() const override { return 2; }
+    // The song plays from memory, but a stream about to loop must stop like the other files do
+    // when the user cut its file short.
+    bool sourceIntact() const override { return fileHolds(file_.get(), bytes_.size()); }
 
     void setFonts(const std::vector<SoundFontRef>& fonts) override;
     bool restart(std::uint64_t frame);
 
   private:
-    std::uint64_t framesAt(std::uint64_t tick) const {
-        return static_cast<std::uint64_t>(
-            std::llround(timing_.secondsAt(double(tick)) * engineRate));
-    }
     void pull(float* out, std::size_t frames);
     void synthesize(float* out, std::size_t frames);
 
     std::string path_;
+    FilePtr file_;
     std::vector<unsigned char> bytes_; // the player parses the file again on every restart
     MidiTiming timing_;
     std::uint64_t length_;
@@ -408,7 +212,7 @@ bool FluidMidiDecoder::restart(std::uint64_t frame) {
         fluid_player_play(player.get()) != FLUID_OK)
         return false;
     player_ = std::move(player);
-    std::uint64_t skip = frame - std::min(frame, framesAt(tick));
+    std::uint64_t skip = frame - std::min(frame, framesAt(timing_, tick));
     std::array<float, 2 * blockFrames * 16> dropped;
     while (skip > 0) {
         std::size_t count = std::min<std::size_t>(skip, dropped.size() / 2);
@@ -445,8 +249,7 @@ void FluidMidiDecoder::setFonts(const std::vector<SoundFontRef>& fonts) {
 enum class FontHeader { Unreadable, Other, SoundFont };
 
 FontHeader readFontHeader(const std::string& path, int& errorNumber) {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                         &std::fclose);
+    FilePtr file(std::fopen(path.c_str(), "rb"));
     unsigned char header[12];
     std::size_t got = file ? std::fread(header, 1, sizeof header, file.get()) : 0;
     if (!file || std::ferror(file.get())) {
@@ -502,19 +305,62 @@ SoundFontRef loadSoundFont(const std::string& path, EngineError& error) {
     return nullptr;
 }
 
-std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,
-                                             const std::vector<SoundFontRef>& fonts,
-                                             EngineError& error) {
-    prepareFluidSynth();
-    int errorNumber = 0;
-    std::optional<std::vector<unsigned char>> bytes = readWholeFile(path, errorNumber);
-    if (!bytes) {
-        logOut("midi: cannot open %s: %s\n", path.c_str(), std::strerror(errorNumber));
+namespace {
+
+// The file read and its tempo map go to the decode thread, which makes the synthesiser: FluidSynth
+// builds its preset tables for every synth, a tenth of a second with a General MIDI font.
+class MidiOpener final : public SourceOpener {
+  public:
+    MidiOpener(std::string path, FileBytes read, const MidiTiming& timing)
+        : path_(std::move(path)), read_(std::move(read)), timing_(timing) {}
+
+    std::uint64_t lengthFrames() const { return framesAt(timing_, timing_.endTick); }
+
+    std::unique_ptr<Decoder> open(const std::vector<SoundFontRef>& fonts,
+                                  EngineError& error) override {
+        return openMidi(fonts, error);
+    }
+
+    std::unique_ptr<MidiDecoder> openMidi(const std::vector<SoundFontRef>& fonts,
+                                          EngineError& error) {
+        prepareFluidSynth();
+        SettingsPtr settings = makeSettings();
+        SynthPtr synth(settings ? new_fluid_synth(settings.get()) : nullptr);
+        auto decoder = synth ? std::make_unique<FluidMidiDecoder>(
+                                   path_, std::move(read_.file), std::move(read_.bytes), timing_,
+                                   std::move(settings), std::move(synth))
+                             : nullptr;
+        if (decoder)
+            decoder->setFonts(fonts);
+        if (!decoder || !decoder->restart(0)) {
+            logOut("midi: no memory for a synthesiser for %s\n", path_.c_str());
+            error = EngineError::Memory;
+            return nullptr;
+        }
+        error = EngineError::Ok;
+        return decoder;
+    }
+
+  private:
+    std::string path_;
+    FileBytes read_;
+    MidiTiming timing_;
+};
+
+std::unique_ptr<MidiOpener> probeMidi(const std::string& path, EngineError& error) {
+    FileBytes read = readFileBytes(path, "MThd");
+    if (read.error == FileReadError::Memory) {
+        logOut("midi: %s does not fit in memory\n", path.c_str());
+        error = EngineError::Memory;
+        return nullptr;
+    }
+    if (read.error != FileReadError::None) {
+        logOut("midi: cannot open %s: %s\n", path.c_str(), std::strerror(read.errorNumber));
         error = EngineError::FileOpen;
         return nullptr;
     }
     MidiProblem problem = MidiProblem::None;
-    MidiTiming timing = readMidiTiming(*bytes, problem);
+    MidiTiming timing = readMidiTiming(read.bytes, problem);
     if (problem != MidiProblem::None) {
         bool smpte = problem == MidiProblem::Smpte;
         logOut(smpte ? "midi: %s counts time in SMPTE frames, which FluidSynth cannot play\n"
@@ -523,18 +369,23 @@ std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,
         error = smpte ? EngineError::Codec : EngineError::FileFormat;
         return nullptr;
     }
-    SettingsPtr settings = makeSettings();
-    SynthPtr synth(settings ? new_fluid_synth(settings.get()) : nullptr);
-    auto decoder = synth ? std::make_unique<FluidMidiDecoder>(path, std::move(*bytes), timing,
-                                                              std::move(settings), std::move(synth))
-                         : nullptr;
-    if (decoder)
-        decoder->setFonts(fonts);
-    if (!decoder || !decoder->restart(0)) {
-        logOut("midi: no memory for a synthesiser for %s\n", path.c_str());
-        error = EngineError::Memory;
-        return nullptr;
-    }
     error = EngineError::Ok;
-    return decoder;
+    return std::make_unique<MidiOpener>(path, std::move(read), timing);
+}
+
+} // namespace
+
+ProbedFile probeMidiFile(const std::string& path, EngineError& error) {
+    std::unique_ptr<MidiOpener> opener = probeMidi(path, error);
+    if (!opener)
+        return {};
+    SourceFacts facts{opener->lengthFrames(), engineRate, 2};
+    return {facts, std::move(opener)};
+}
+
+std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,
+                                             const std::vector<SoundFontRef>& fonts,
+                                             EngineError& error) {
+    std::unique_ptr<MidiOpener> opener = probeMidi(path, error);
+    return opener ? opener->openMidi(fonts, error) : nullptr;
 }

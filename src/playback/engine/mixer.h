@@ -14,5 +14,12 @@ struct MixerTable {
 };
 
 // The audio callback's whole work: out = the sum of every playing channel at its volume. Never
-// locks, allocates, logs or decodes.
-void mixBlock(MixerTable& table, float* out, std::size_t frames);
+// locks, allocates, logs or decodes. False when no channel was in the Playing state.
+bool mixBlock(MixerTable& table, float* out, std::size_t frames);
+
+// With the output locked, so that every channel in the table stays in place.
+bool anyPlaying(const MixerTable& table);
+
+// Where the mixer runs (the audio callback, or the null output under its lock): whether the next
+// block of a playing channel holds what a deterministic mix needs, its prefill or its end.
+bool readyToMix(Channel& ch, std::size_t frames);

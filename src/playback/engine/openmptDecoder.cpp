@@ -1,14 +1,12 @@
 #include "playback/engine/decoder.h"
+#include "playback/engine/fileBytes.h"
 #include "util/log.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <libopenmpt/libopenmpt.h>
 #include <memory>
-#include <new>
 #include <optional>
 #include <vector>
 
@@ -24,11 +22,6 @@ struct DestroyModule {
 };
 using ModulePtr = std::unique_ptr<openmpt_module, DestroyModule>;
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
-
 struct FreeOpenmptString {
     void operator()(const char* text) const { openmpt_free_string(text); }
 };
@@ -36,41 +29,42 @@ using OpenmptString = std::unique_ptr<const char, FreeOpenmptString>;
 
 // The whole file in memory: libopenmpt reads a module in one go anyway, and reading it ourselves
 // tells a missing or unreadable file apart from one that is not a module.
-std::optional<std::vector<char>> readWholeFile(const std::string& path, EngineError& error) {
-    FilePtr file(std::fopen(path.c_str(), "rb"));
-    if (!file) {
-        logOut("module: cannot open %s: %s\n", path.c_str(), std::strerror(errno));
+std::optional<std::vector<unsigned char>> readModuleFile(const std::string& path,
+                                                         EngineError& error) {
+    FileBytes read = readFileBytes(path);
+    switch (read.error) {
+    case FileReadError::None:
+        return std::move(read.bytes);
+    case FileReadError::Open:
+        logOut("module: cannot open %s: %s\n", path.c_str(), std::strerror(read.errorNumber));
         error = EngineError::FileOpen;
         return std::nullopt;
-    }
-    std::vector<char> bytes;
-    char chunk[65536];
-    try {
-        std::size_t got = 0;
-        while ((got = std::fread(chunk, 1, sizeof chunk, file.get())) > 0)
-            bytes.insert(bytes.end(), chunk, chunk + got);
-    } catch (const std::bad_alloc&) {
-        logOut("module: %s does not fit in memory\n", path.c_str());
-        error = EngineError::Memory;
-        return std::nullopt;
-    }
-    if (std::ferror(file.get())) { // a folder opens, but reading it fails
-        logOut("module: cannot read %s: %s\n", path.c_str(), std::strerror(errno));
+    case FileReadError::Read:
+        logOut("module: cannot read %s: %s\n", path.c_str(), std::strerror(read.errorNumber));
         error = EngineError::FileOpen;
         return std::nullopt;
+    case FileReadError::Memory:
+        break;
     }
-    return bytes;
+    logOut("module: %s does not fit in memory\n", path.c_str());
+    error = EngineError::Memory;
+    return std::nullopt;
 }
 
+enum class Samples { Load, Skip };
+
 // Quiet while loading and for ever after: a damaged module must not write to our error stream
-// from the decode thread; a failure here is told once, by our own line.
-ModulePtr createModule(const std::vector<char>& bytes, const std::string& path,
-                       EngineError& error) {
+// from the decode thread; a failure here is told once, by our own line. Without its samples a
+// module loads several times faster (an IT file decompresses them) and prescans to the same
+// length, which comes from its patterns alone.
+ModulePtr createModule(const std::vector<unsigned char>& bytes, const std::string& path,
+                       Samples samples, EngineError& error) {
     int code = OPENMPT_ERROR_OK;
     const char* message = nullptr;
+    const openmpt_module_initial_ctl skip[] = {{"load.skip_samples", "1"}, {nullptr, nullptr}};
     ModulePtr module(openmpt_module_create_from_memory2(
         bytes.data(), bytes.size(), openmpt_log_func_silent, nullptr, openmpt_error_func_store,
-        nullptr, &code, &message, nullptr));
+        nullptr, &code, &message, samples == Samples::Skip ? skip : nullptr));
     OpenmptString owned(message);
     if (module)
         return module;
@@ -169,24 +163,60 @@ bool ModuleDecoder::seek(std::uint64_t frame) {
     return true;
 }
 
+// The bytes go to the decode thread, which loads the module again with its samples.
+class ModuleOpener final : public SourceOpener {
+  public:
+    ModuleOpener(std::vector<unsigned char> bytes, std::uint64_t lengthFrames, std::string path)
+        : bytes_(std::move(bytes)), lengthFrames_(lengthFrames), path_(std::move(path)) {}
+
+    std::unique_ptr<Decoder> open(const std::vector<SoundFontRef>&, EngineError& error) override {
+        ModulePtr module = createModule(bytes_, path_, Samples::Load, error);
+        if (!module)
+            return nullptr;
+        if (!applySettings(module.get()))
+            logOut("module: %s: libopenmpt refused a playback setting, playing with its own\n",
+                   path_.c_str());
+        error = EngineError::Ok;
+        return std::make_unique<ModuleDecoder>(std::move(module), lengthFrames_);
+    }
+
+  private:
+    std::vector<unsigned char> bytes_;
+    std::uint64_t lengthFrames_;
+    std::string path_;
+};
+
 } // namespace
 
-std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, EngineError& error) {
-    std::optional<std::vector<char>> bytes = readWholeFile(path, error);
+ProbedFile probeModuleFile(const std::string& path, EngineError& error) {
+    std::optional<std::vector<unsigned char>> bytes = readModuleFile(path, error);
     if (!bytes)
-        return nullptr;
-    ModulePtr module = createModule(*bytes, path, error);
+        return {};
+    ModulePtr module = createModule(*bytes, path, Samples::Skip, error);
     if (!module)
-        return nullptr;
-    if (!applySettings(module.get()))
-        logOut("module: %s: libopenmpt refused a playback setting, playing with its own\n",
-               path.c_str());
+        return {};
     // libopenmpt scans the whole song for its length when it loads it.
     double seconds = openmpt_module_get_duration_seconds(module.get());
     if (!std::isfinite(seconds) || seconds < 0.0) {
         logOut("module: %s has no length that libopenmpt can tell\n", path.c_str());
         error = EngineError::FileFormat;
-        return nullptr;
+        return {};
     }
-    return std::make_unique<ModuleDecoder>(std::move(module), secondsToFrames(seconds));
+    SourceFacts facts{secondsToFrames(seconds), engineRate, 2};
+    error = EngineError::Ok;
+    return {facts, std::make_unique<ModuleOpener>(std::move(*bytes), facts.lengthFrames, path)};
+}
+
+void warmUpModuleLoader() {
+    // A four-channel .mod of one empty pattern: a title, 31 empty samples, one order, "M.K.".
+    std::vector<unsigned char> empty(1084 + 1024, 0);
+    empty[950] = 1;
+    std::memcpy(&empty[1080], "M.K.", 4);
+    EngineError ignored = EngineError::Ok;
+    createModule(empty, "(warm-up)", Samples::Skip, ignored);
+}
+
+std::unique_ptr<Decoder> openModuleDecoder(const std::string& path, EngineError& error) {
+    ProbedFile probed = probeModuleFile(path, error);
+    return probed.opener ? probed.opener->open({}, error) : nullptr;
 }

@@ -5,7 +5,9 @@
 #include "util/log.h"
 
 #include <SDL.h>
+#include <atomic>
 #include <mutex>
+#include <thread>
 
 namespace {
 
@@ -14,16 +16,25 @@ class NullOutput : public Output {
     void lock() override { mutex_.lock(); }
     void unlock() override { mutex_.unlock(); }
     bool pullable() const override { return true; }
+    void wake() override {} // nothing runs by itself
 
   private:
     std::mutex mutex_;
 };
 
-// SDL's audio thread calls mix() for each buffer the device wants.
+// SDL's audio thread calls mix() for each buffer the device wants. While no channel plays, the
+// device is paused, so that the mixer does not run on nothing: the callback, which must not call
+// SDL, tells a resting thread of its own, which pauses the device unless a play came meanwhile.
 class DeviceOutput : public Output {
   public:
     explicit DeviceOutput(MixerTable& table) : table_(table) {}
     ~DeviceOutput() override {
+        if (pauser_.joinable()) {
+            quit_.store(true);
+            idleReports_.fetch_add(1);
+            idleReports_.notify_one();
+            pauser_.join();
+        }
         if (device_ != 0)
             SDL_CloseAudioDevice(device_);
         if (subsystemUp_)
@@ -55,24 +66,64 @@ class DeviceOutput : public Output {
             error = EngineError::Driver;
             return false;
         }
-        SDL_PauseAudioDevice(device_, 0);
+        pauser_ = std::thread([this] { pauseWhenIdle(); }); // the device starts paused
         return true;
     }
 
     void lock() override { SDL_LockAudioDevice(device_); }
     void unlock() override { SDL_UnlockAudioDevice(device_); }
     bool pullable() const override { return false; }
+    void wake() override {
+        std::lock_guard lock(pauseLock_);
+        if (paused_) {
+            idleReported_.store(false); // the callback does not run while paused
+            SDL_PauseAudioDevice(device_, 0);
+            paused_ = false;
+        }
+    }
 
   private:
     static void callback(void* self, Uint8* stream, int bytes) {
         auto* output = static_cast<DeviceOutput*>(self);
-        mixBlock(output->table_, reinterpret_cast<float*>(stream),
-                 static_cast<std::size_t>(bytes) / (2 * sizeof(float)));
+        bool playing = mixBlock(output->table_, reinterpret_cast<float*>(stream),
+                                static_cast<std::size_t>(bytes) / (2 * sizeof(float)));
+        if (playing) {
+            output->idleReported_.store(false, std::memory_order_relaxed);
+        } else if (!output->idleReported_.exchange(true, std::memory_order_relaxed)) {
+            output->idleReports_.fetch_add(1); // once per stretch of silence; never blocks
+            output->idleReports_.notify_one();
+        }
+    }
+
+    // A play sets its channel Playing before it wakes the device under pauseLock_, so either the
+    // check here sees that channel, or the wake comes after this pause.
+    void pauseWhenIdle() {
+        std::uint32_t seen = idleReports_.load();
+        while (!quit_.load()) {
+            idleReports_.wait(seen);
+            seen = idleReports_.load();
+            std::lock_guard lock(pauseLock_);
+            bool idle = false;
+            {
+                OutputLock outputLock(*this);
+                idle = !anyPlaying(table_);
+            }
+            if (idle && !paused_ && !quit_.load()) {
+                SDL_PauseAudioDevice(device_, 1);
+                paused_ = true;
+            }
+        }
     }
 
     MixerTable& table_;
     SDL_AudioDeviceID device_ = 0;
     bool subsystemUp_ = false;
+    std::atomic<bool> idleReported_{false};
+    std::atomic<std::uint32_t> idleReports_{0};
+    std::atomic<bool> quit_{false};
+    std::mutex pauseLock_;
+    bool paused_ = true; // under pauseLock_
+    std::thread pauser_;
 };
 
 } // namespace

@@ -14,6 +14,9 @@ class Output {
     virtual void unlock() = 0;
     // The null output is pulled by its caller; a device pulls by itself.
     virtual bool pullable() const = 0;
+    // A channel is about to play: a device that rests while nothing plays starts again. Not from
+    // the mixer; never with the output locked.
+    virtual void wake() = 0;
 };
 
 class OutputLock {
@@ -28,6 +31,7 @@ class OutputLock {
 };
 
 std::unique_ptr<Output> openNullOutput();
-// The default SDL device at 44100 Hz stereo float, mixing table in its callback. Null and an
-// error (and one log line) when there is no device.
+// The default SDL device at 44100 Hz stereo float, mixing table in its callback. It is paused
+// while no channel plays, so that an idle engine costs nothing, and wakes on the next play. Null
+// and an error (and one log line) when there is no device.
 std::unique_ptr<Output> openDeviceOutput(MixerTable& table, EngineError& error);

@@ -39,8 +39,8 @@ class FrameRing {
         read_.store(read_.load(std::memory_order_relaxed) + count, std::memory_order_release);
     }
 
-    // Only while neither side runs: the engine holds the output lock and the decoder lock.
-    void clear() { read_.store(write_.load(std::memory_order_relaxed), std::memory_order_release); }
+    // Reader side: drops every frame before index, which the writer has written.
+    void discardTo(std::uint64_t index) { read_.store(index, std::memory_order_release); }
 
   private:
     std::size_t index(std::size_t i) const {

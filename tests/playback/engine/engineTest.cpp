@@ -1,6 +1,7 @@
 #include "playback/engine/engineFixture.h"
 
 #include <atomic>
+#include <filesystem>
 #include <random>
 #include <thread>
 
@@ -80,6 +81,105 @@ TEST_F(Channels, AFileStreamLoopsWhenItsEndIsHeardAndAModuleStopsThere) {
     EXPECT_EQ(peak(nullOutputPull(4410)), 0.0f);
 }
 
+// A looping file that the user cuts short while it plays ends as a failed channel does, at its
+// length, so that the radio moves on instead of waiting on silence or on a half that loops.
+TEST_F(Channels, AFileCutShortWhileItPlaysEndsItsChannelAtItsLength) {
+    for (const char* name : {"cut.mp3", "cut.mid"}) {
+        for (double kept : {0.0, 0.5}) {
+            SCOPED_TRACE(testing::Message() << name << " cut to " << kept);
+            std::string file =
+                std::string(name).ends_with(".mid") ? midi(name, 2.0) : sine(name, 2.0);
+            ChannelHandle song = streamCreateFile(file);
+            ASSERT_TRUE(channelPlay(song));
+            nullOutputPull(4410);
+            auto size = std::filesystem::file_size(file);
+            std::string log = logOf([&] {
+                std::filesystem::resize_file(file, static_cast<std::uintmax_t>(size * kept));
+                // Bounded: the song's length, the decoder's lead and a pass round the loop.
+                for (int i = 0; i < 100 && channelIsActive(song) == ChannelState::Playing; ++i)
+                    nullOutputPull(4410);
+            });
+            EXPECT_EQ(channelIsActive(song), ChannelState::Stopped);
+            EXPECT_EQ(channelGetPosition(song), channelGetLength(song));
+            EXPECT_NE(log.find(file), std::string::npos) << log;
+            ASSERT_TRUE(streamFree(song));
+        }
+    }
+}
+
+// A create returns before the decoder exists: a seek and fonts given at once still apply, and
+// the mix from there is the decoder's own audio from that frame (a seek to the wrong place puts
+// the sine out of phase; a missing font leaves the MIDI silent).
+TEST_F(Channels, ASeekAndFontsGivenRightAfterCreateAreHeardOnceTheDecoderIsThere) {
+    EngineError error = EngineError::Unknown;
+    SoundFontRef reference = loadSoundFont(timidityFont, error);
+    FontHandle font = midiFontInit(timidityFont);
+    const std::string files[] = {sine("a.mp3", 3.0), sine("a.flac", 3.0), sine("a.m4a", 3.0),
+                                 midi("a.mid", 3.0), module("a.mod")};
+    const std::uint64_t frame = 44123; // not on a period of the sine, nor on a codec frame
+    for (const std::string& file : files) {
+        SCOPED_TRACE(file);
+        bool isMidi = file.ends_with(".mid"), isModule = file.ends_with(".mod");
+        ChannelHandle song = isModule ? musicLoad(file) : streamCreateFile(file);
+        MidiFontRecord record{font, -1, 0};
+        if (isMidi) {
+            ASSERT_TRUE(midiStreamSetFonts(song, &record, 1));
+        }
+        ASSERT_TRUE(channelSetPosition(song, frame * 4)); // 44100 Hz stereo, every one
+        ASSERT_TRUE(channelPlay(song));
+        std::vector<float> heard = nullOutputPull(8192);
+        EXPECT_EQ(channelGetPosition(song), (frame + 8192) * 4);
+
+        std::unique_ptr<Decoder> straight = isMidi     ? openMidiDecoder(file, {reference}, error)
+                                            : isModule ? openModuleDecoder(file, error)
+                                                       : openFfmpegDecoder(file, error);
+        ASSERT_TRUE(straight && straight->seek(frame));
+        std::vector<float> expected = renderFrames(*straight, 8192, 1024);
+        EXPECT_GT(peak(expected), 0.01f);
+        // Whether the decode thread rendered before it took the seek changes a little what a seek
+        // gives (a module's ramps start afresh, FluidSynth's effects keep a trace, AAC's noise
+        // draws on): the distance from the straight run is a small part of the audio, where the
+        // wrong place or no font would make it as large as the audio itself.
+        double distance = 0.0, energy = 0.0;
+        for (std::size_t i = 2 * 441; i < expected.size(); ++i) {
+            distance += (heard[i] - expected[i]) * (heard[i] - expected[i]);
+            energy += expected[i] * expected[i];
+        }
+        EXPECT_LT(std::sqrt(distance / energy), 0.2);
+        ASSERT_TRUE(streamFree(song));
+    }
+}
+
+// A file whose probe passes but whose decoder finds nothing to play ends on the decode thread as
+// a failed channel, even with a seek waiting for that decoder.
+TEST_F(Channels, AFileFoundUndecodableAfterCreateEndsItsChannelAtItsLength) {
+    std::string whole = TempDir::read(sine("whole.flac", 1.0));
+    std::size_t at = 4; // "fLaC", then metadata blocks up to the one flagged last
+    for (bool last = false; !last && at + 4 <= whole.size();) {
+        auto byte = [&](std::size_t i) { return static_cast<unsigned char>(whole[at + i]); };
+        last = byte(0) & 0x80;
+        at += 4 + (std::size_t{byte(1)} << 16 | std::size_t{byte(2)} << 8 | byte(3));
+    }
+    std::string file = dir.write("noFrames.flac", whole.substr(0, at));
+    for (bool seekFirst : {false, true}) {
+        SCOPED_TRACE(seekFirst ? "with a seek" : "without a seek");
+        ChannelHandle song = 0;
+        std::string log = logOf([&] {
+            song = streamCreateFile(file);
+            ASSERT_NE(song, 0u);
+            if (seekFirst) {
+                ASSERT_TRUE(channelSetPosition(song, channelGetLength(song) / 8 * 4));
+            }
+            ASSERT_TRUE(channelPlay(song));
+            nullOutputPull(1024);
+        });
+        EXPECT_EQ(channelIsActive(song), ChannelState::Stopped);
+        EXPECT_EQ(channelGetPosition(song), channelGetLength(song));
+        EXPECT_NE(log.find("no audio decoded"), std::string::npos) << log;
+        EXPECT_NE(log.find(file), std::string::npos) << log;
+    }
+}
+
 TEST_F(Channels, PauseHoldsThePositionAndASeekIsHeardAtOnceUnlessItIsOutside) {
     ChannelHandle song = streamCreateFile(sine("a.flac", 5.0));
     ASSERT_TRUE(channelPlay(song));
@@ -130,6 +230,22 @@ TEST_F(Channels, SlidesMoveSampleBySampleTwoAtOnceAndASetVolumeEndsOne) {
     nullOutputPull(4410);
     EXPECT_EQ(volumeOf(song), 0.25f);
     EXPECT_EQ(volumeOf(up), 1.0f);
+}
+
+// One NaN or infinity in a volume would reach the shared output and silence every channel.
+TEST_F(Channels, ANaNOrInfiniteVolumeIsRefusedAndTheSongPlaysOnAtItsLevel) {
+    ChannelHandle song = streamCreateFile(sine("a.flac", 2.0));
+    ASSERT_TRUE(channelSetVolume(song, 0.5f));
+    ASSERT_TRUE(channelPlay(song));
+    for (bool slide : {false, true}) {
+        for (float bad : {NAN, INFINITY, -INFINITY}) {
+            SCOPED_TRACE(testing::Message() << (slide ? "slide to " : "set to ") << bad);
+            EXPECT_FALSE(slide ? channelSlideVolume(song, bad, 100) : channelSetVolume(song, bad));
+            EXPECT_EQ(engineErrorCode(), EngineError::IllegalParam);
+            EXPECT_EQ(volumeOf(song), 0.5f);
+            EXPECT_NEAR(peak(nullOutputPull(4410)), 0.25f, 2e-3);
+        }
+    }
 }
 
 TEST_F(Channels, AMidiStreamIsSilentWithoutAFontAndNewOnesTakeTheDefaultFont) {
