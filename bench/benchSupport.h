@@ -1,7 +1,10 @@
 #pragma once
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
@@ -37,5 +40,16 @@ inline bool printRow(const std::string& name, double value, const std::string& u
 inline void printInfoRow(const std::string& name, double value, const std::string& unit) {
     std::printf("%s %.3f %s - info\n", name.c_str(), value, unit.c_str());
 }
+
+// BENCH_CRASH=PROGRAM aborts that figure program before main, so that one can see bench/report
+// count a crashed figure as a miss without breaking a program for real.
+struct CrashWhenAsked {
+    CrashWhenAsked() {
+        const char* wanted = std::getenv("BENCH_CRASH");
+        if (wanted && std::strcmp(wanted, program_invocation_short_name) == 0)
+            std::abort();
+    }
+};
+inline const CrashWhenAsked crashWhenAsked;
 
 } // namespace bench
