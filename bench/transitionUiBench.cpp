@@ -12,6 +12,7 @@
 #include "library/model.h"
 #include "playback/engine/engine.h"
 #include "playback/fadeWorker.h"
+#include "playback/slots.h"
 #include "radio/segments.h"
 
 #include <atomic>
