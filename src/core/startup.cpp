@@ -5,6 +5,7 @@
 #include "core/libraryEdits.h"
 #include "core/playerState.h"
 #include "core/transport.h"
+#include "core/windowEvents.h"
 #include "display/pathLine.h"
 #include "display/textures.h"
 #include "gamelink/commandFile.h"
@@ -174,9 +175,8 @@ void runStartupSequence(PlayerState& st) {
         exportForGame(st);
 }
 
-void startMainTimers() {
+void startMainTimers(PlayerState& st) {
     host::setTimer(host::timerRepaint, 250);
-    host::setTimer(host::timerVolumeLatch, 100);
-    host::setTimer(host::timerPoll, 30);
+    schedulePolling(st);
     host::setTimer(host::timerStationTags, 5000);
 }

@@ -10,5 +10,5 @@ void runEarlyStartup(PlayerState& st);
 void runStartupSequence(PlayerState& st);
 // The rows of the list page: the built-in stations, the stations, then one row per playlist.
 void buildListEntries(PlayerState& st);
-// The four periodic timers of the main window, in their order.
-void startMainTimers();
+// The periodic timers of the main window, in their order: timers 2 and 3 as schedulePolling says.
+void startMainTimers(PlayerState& st);

@@ -17,11 +17,21 @@ host::Rect strip(const PlayerState& st, int left, int top, int width, int height
             y + static_cast<int>(height * st.scaleY)};
 }
 
+// The position read-outs move only while something sounds. Asking for their strips with nothing
+// playing would paint the same frame four times a second, the largest cost of an idle player; the
+// end test then runs from the tick below.
+bool positionMoves(const PlayerState& st) {
+    TransportState state = transportState(st);
+    return state == TransportState::Playing || state == TransportState::Crossfading;
+}
+
 void onRepaintTick(PlayerState& st) {
-    host::Rect seek = strip(st, 5, 2, 490, 10);
-    host::invalidate(&seek, false);
-    host::Rect text = strip(st, 20, 70, 500, 70);
-    host::invalidate(&text, false);
+    if (positionMoves(st)) {
+        host::Rect seek = strip(st, 5, 2, 490, 10);
+        host::invalidate(&seek, false);
+        host::Rect text = strip(st, 20, 70, 500, 70);
+        host::invalidate(&text, false);
+    }
     if (st.lcdDirty) {
         host::Rect lcd = strip(st, 1, 10, 490, 125);
         host::invalidate(&lcd, false);
@@ -55,12 +65,47 @@ void onVolumeTextTimeout(PlayerState& st) {
     st.lcdDirty = true;
 }
 
+bool gameLinkActive(const PlayerState& st) {
+    return !st.libraryEditInProgress && st.totalSongCount > 0 && !st.marbleTunnelPath.empty();
+}
+
+bool anyController(const PlayerState& st) {
+    for (const std::string& name : st.controllerNames)
+        if (!name.empty())
+            return true;
+    return false;
+}
+
+void setPeriod(int id, int milliseconds, int& running) {
+    if (milliseconds == running)
+        return;
+    if (milliseconds > 0)
+        host::setTimer(id, milliseconds);
+    else
+        host::killTimer(id);
+    running = milliseconds;
+}
+
 } // namespace
+
+void schedulePolling(PlayerState& st) {
+    const bool pollWork = gameLinkActive(st) || anyController(st) || st.searchActive;
+    setPeriod(host::timerPoll, pollWork ? pollPeriodBusy : pollPeriodIdle, st.pollPeriod);
+    const bool latchHeld = st.volumeUpLatch || st.volumeDownLatch;
+    setPeriod(host::timerVolumeLatch, latchHeld ? 100 : 0, st.latchPeriod);
+}
 
 void onTimer(PlayerState& st, int id) {
     switch (id) {
     case host::timerRepaint:
         onRepaintTick(st);
+        schedulePolling(st);
+        break;
+    case host::timerVolumeLatch:
+    case host::timerPoll:
+        // The volume latches, the game link, controllers and search keys join these ticks with
+        // their features.
+        schedulePolling(st);
         break;
     case host::timerStationTags:
         onStationTagsTick(st);
@@ -69,8 +114,7 @@ void onTimer(PlayerState& st, int id) {
         onVolumeTextTimeout(st);
         break;
     default:
-        // Volume latches, the game link, controllers, search keys and the automatic borderless
-        // mode join these ticks with their features.
+        // The automatic borderless mode joins these ticks with its feature.
         break;
     }
 }

@@ -196,7 +196,7 @@ int runPlayer(int argc, char** argv) {
         return 0;
     }
     window.setWindowOpacity((st->windowAlpha & 0xff) / 255.0);
-    startMainTimers();
+    startMainTimers(*st);
     createMenus(window);
     window.show();
     return app.exec();
