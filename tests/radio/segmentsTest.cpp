@@ -16,38 +16,24 @@ Segment segmentFor(SegmentInput in, std::vector<double> us) {
 TEST(SegmentRules, StartAndEndFollowTheLengthTheSettingsAndTheDraws) {
     struct Case {
         const char* why;
-        SegmentInput in;
+        SegmentInput in;        // length, stream rules, whole song, minimum, maximum, fade
         std::vector<double> us; // the draws, in order; none for a rule that draws nothing
         Segment want;
     };
     const Case cases[] = {
-        {"the earliest start", {.lengthSeconds = 240}, {0.0, 1.0}, {0.0, 110.0, true}},
-        {"the latest start", {.lengthSeconds = 240}, {1.0, 0.0}, {195.0, 240.0, true}},
+        {"the earliest start", {240}, {0.0, 1.0}, {0.0, 110.0, true}},
+        {"the latest start", {240}, {1.0, 0.0}, {195.0, 240.0, true}},
         // A start past 187 s runs the segment up to the fade that ends with the song.
-        {"a late start", {.lengthSeconds = 240}, {190.0 / 195.0, 1.0}, {190.0, 232.0, true}},
-        {"a tiny minimum keeps the start three seconds from the end",
-         {.lengthSeconds = 240, .minSeconds = 1, .maxSeconds = 2, .fadeSeconds = 0.0},
-         {1.0, 0.0},
-         {237.0, 238.0, true}},
+        {"a late start", {240}, {190.0 / 195.0, 1.0}, {190.0, 232.0, true}},
+        // A tiny minimum still keeps the start three seconds from the end.
+        {"a tiny minimum", {240, true, false, 1, 2, 0.0}, {1.0, 0.0}, {237.0, 238.0, true}},
         // The length is counted from the negative start: 45 s after it, the song's end.
-        {"a song shorter than the shortest segment",
-         {.lengthSeconds = 40},
-         {1.0, 0.0},
-         {-5.0, 40.0, true}},
-        {"segments off, or walking the history",
-         {.lengthSeconds = 200, .wholeSong = true},
-         {},
-         {0.0, 192.0, false}},
-        {"a stream under 30 s plays to 2 s before its end",
-         {.lengthSeconds = 20},
-         {},
-         {0.0, 18.0, false}},
-        {"a module of 20 s takes the segment rule",
-         {.lengthSeconds = 20, .streamRules = false},
-         {0.0, 0.0},
-         {0.0, 12.0, true}},
-        {"a very short stream", {.lengthSeconds = 1.5}, {}, {0.0, 0.0, false}},
-        {"a failed channel reads as -1 s", {.lengthSeconds = -1.0}, {}, {0.0, 0.0, false}},
+        {"shorter than the shortest segment", {40}, {1, 0}, {-5.0, 40.0, true}},
+        {"segments off, or walking back", {200, true, true}, {}, {0.0, 192.0, false}},
+        {"a stream under 30 s plays to 2 s before its end", {20}, {}, {0.0, 18.0, false}},
+        {"a module of 20 s takes the segment rule", {20, false}, {0, 0}, {0.0, 12.0, true}},
+        {"a very short stream", {1.5}, {}, {0.0, 0.0, false}},
+        {"a failed channel reads as -1 s", {-1.0}, {}, {0.0, 0.0, false}},
     };
     for (const Case& c : cases) {
         Segment s = segmentFor(c.in, c.us);
