@@ -23,8 +23,7 @@ TEST_F(Crossfade, TheOldSongSlidesOutWhileTheNewOneSlidesInAndTheOldSlotIsFreedA
     EXPECT_FLOAT_EQ(volumeOf(first), st.volume);
     EXPECT_EQ(transportState(st), TransportState::Playing);
 
-    request(1);
-    startTransition(st);
+    transition(1, 0);
     ChannelHandle second = st.musicStreamNext;
     EXPECT_EQ(transportState(st), TransportState::Crossfading);
     advance(100);
@@ -71,8 +70,7 @@ TEST_F(Crossfade, TwoPressesWithinOneFadeCutHardAndTheThirdSongFadesInAlone) {
     ChannelHandle first = st.musicStreamNext;
     transition(1, 50);
     ChannelHandle second = st.musicStream;
-    request(2);
-    startTransition(st); // within the fade: the hard cut
+    transition(2, 0); // within the fade: the hard cut
     ChannelHandle third = st.musicStreamNext;
     EXPECT_TRUE(isFreed(first));
     EXPECT_TRUE(isFreed(second));
@@ -83,8 +81,7 @@ TEST_F(Crossfade, TwoPressesWithinOneFadeCutHardAndTheThirdSongFadesInAlone) {
     advance(100);
     EXPECT_EQ(channelIsActive(third), ChannelState::Playing);
     // The next press is an ordinary fade again.
-    request(0);
-    startTransition(st);
+    transition(0, 0);
     EXPECT_EQ(transportState(st), TransportState::Crossfading);
     EXPECT_EQ(channelIsActive(third), ChannelState::Playing);
 }
@@ -130,8 +127,7 @@ TEST_F(Crossfade, DuringAFadeAVolumeChangeEndsOnlyTheFadeInAndPauseTakesTheMainS
     EXPECT_NEAR(volumeOf(old), 0.5f * 0.75f, 1e-4);
     advance(150);
 
-    request(2);
-    startTransition(st); // into the Next slot: the main one is going, and pause asks it first
+    transition(2, 0); // into the Next slot: the main one is going, and pause asks it first
     ChannelHandle going = st.musicStream;
     togglePause(st);
     EXPECT_EQ(channelIsActive(going), ChannelState::Paused);
