@@ -30,20 +30,18 @@ TEST_F(PathLine, ShowsTheFamilyAndTheTitleCasedFoldersBelowTheRootOrAllOutsideTh
     EXPECT_EQ(st.currentFolderTitle.size(), 400u);
 }
 
-TEST_F(PathLine, WithoutRootsTheHeadlineAsksForThemWhateverTheLibraryHolds) {
-    st.directoryPaths.clear();
-    st.totalSongCount = 10;
-    EXPECT_EQ(displayPath(st, "/music/Rock/a.mp3", musicTypeMp3),
-              "Marble Tunnel Radio: Add your music directories");
-    EXPECT_EQ(st.lcdTitle, "Marble Tunnel Radio: No Music Directory");
-}
-
-TEST_F(PathLine, AnEmptyLibraryOrAFileInTheRootShowsOnlyTheFamily) {
+TEST_F(PathLine, AFileInTheRootOrAnEmptyLibraryShowsOnlyTheFamilyAndNoRootsAskForThem) {
     st.lcdTitle = "before";
     EXPECT_EQ(displayPath(st, "/music/a.mp3", musicTypeMp3), "MP3");
     st.totalSongCount = 0;
     EXPECT_EQ(displayPath(st, "/music/Rock/a.mp3", 7), "Unknown Music Type");
     EXPECT_EQ(st.lcdTitle, "before");
+    // Without roots the headline asks for them, whatever the library holds.
+    st.directoryPaths.clear();
+    st.totalSongCount = 10;
+    EXPECT_EQ(displayPath(st, "/music/Rock/a.mp3", musicTypeMp3),
+              "Marble Tunnel Radio: Add your music directories");
+    EXPECT_EQ(st.lcdTitle, "Marble Tunnel Radio: No Music Directory");
 }
 
 TEST_F(PathLine, AStationShowsItsNameAndGenreButNoFolders) {

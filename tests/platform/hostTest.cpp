@@ -11,6 +11,15 @@
 
 namespace {
 
+// The window and its backend over a player that saves into a folder of the test's.
+struct Host {
+    TempDir dir;
+    PlayerState st;
+    MainWindow window{st};
+    QtBackend backend{st, window};
+    Host() { st.dataDirectory = dir.str(); }
+};
+
 TEST(MainWindow, HasItsTitleAndItsClientAreaAndAResizeRescalesTheGrid) {
     PlayerState st;
     st.bkGrR = 200;
@@ -32,24 +41,17 @@ TEST(MainWindow, HasItsTitleAndItsClientAreaAndAResizeRescalesTheGrid) {
     EXPECT_FLOAT_EQ(st.scaleY, 2.0f);
 }
 
-// The repaint tick, fired as its timer would, asks the window for a paint through the host port.
-TEST(QtBackend, TheRepaintTickRepaintsTheWindow) {
-    PlayerState st;
-    MainWindow window(st);
-    QtBackend backend(st, window);
-    window.show();
+// The repaint tick, fired as its timer would, asks the window for a paint through the host port;
+// a message box without a display becomes one line instead of blocking.
+TEST(QtBackend, TheRepaintTickRepaintsTheWindowAndABoxWithoutADisplayIsALine) {
+    Host host;
+    host.window.show();
     QApplication::processEvents();
-    st.paintedSinceTick = false;
-    st.buttonsDirty = true; // the whole client area
-    onTimer(st, host::timerRepaint);
+    host.st.paintedSinceTick = false;
+    host.st.buttonsDirty = true; // the whole client area
+    onTimer(host.st, host::timerRepaint);
     QApplication::processEvents(); // delivers the paint that was asked for
-    EXPECT_TRUE(st.paintedSinceTick);
-}
-
-TEST(QtBackend, AMessageBoxWithoutADisplayBecomesOneLineInsteadOfBlocking) {
-    PlayerState st;
-    MainWindow window(st);
-    QtBackend backend(st, window);
+    EXPECT_TRUE(host.st.paintedSinceTick);
     EXPECT_EQ(errorsOf([] {
                   host::messageBox("No soundfont files found.", "Error", host::Icon::Error, false);
               }),
@@ -60,35 +62,27 @@ TEST(QtBackend, AMessageBoxWithoutADisplayBecomesOneLineInsteadOfBlocking) {
 // exit code of the loop is checked on the real program (tests/e2e/startAndStop.sh).
 TEST(QuitSignals, CloseThePlayerThroughTheCloseBoxPathOnce) {
     for (int signalNumber : {SIGTERM, SIGINT, SIGHUP}) {
-        TempDir dir;
-        PlayerState st;
-        st.dataDirectory = dir.str(); // where the shutdown saves
-        MainWindow window(st);
-        QtBackend backend(st, window);
-        window.finishStartup();
-        window.show();
-        closeWindowOnQuitSignals(&window);
+        Host host;
+        host.window.finishStartup();
+        host.window.show();
+        closeWindowOnQuitSignals(&host.window);
         std::raise(signalNumber);
         QApplication::processEvents();
-        EXPECT_TRUE(window.hasShutDown()) << "signal " << signalNumber;
-        EXPECT_FALSE(window.isVisible());
-        EXPECT_FALSE(TempDir::read(dir.path() / "MusicSettings.json").empty());
+        EXPECT_TRUE(host.window.hasShutDown()) << "signal " << signalNumber;
+        EXPECT_FALSE(host.window.isVisible());
+        EXPECT_FALSE(TempDir::read(host.dir.path() / "MusicSettings.json").empty());
     }
 }
 
 TEST(QuitSignals, DuringTheStartUpWaitUntilItHasRunAndThenCloseOnce) {
-    TempDir dir;
-    PlayerState st;
-    st.dataDirectory = dir.str();
-    MainWindow window(st);
-    QtBackend backend(st, window);
-    closeWindowOnQuitSignals(&window);
+    Host host;
+    closeWindowOnQuitSignals(&host.window);
     std::raise(SIGTERM);
     QApplication::processEvents(); // a box of the start-up turns the loop like this
-    EXPECT_FALSE(window.hasShutDown());
-    EXPECT_TRUE(window.finishStartup());
-    window.close();
-    EXPECT_TRUE(window.hasShutDown());
+    EXPECT_FALSE(host.window.hasShutDown());
+    EXPECT_TRUE(host.window.finishStartup());
+    host.window.close();
+    EXPECT_TRUE(host.window.hasShutDown());
 }
 
 } // namespace
