@@ -4,6 +4,7 @@
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 // A fresh folder under the system's temporary folder, removed with everything in it at the end.
 class TempDir {
@@ -42,12 +43,13 @@ class TempDir {
         return path_ / relative;
     }
 
-    // How many damaged files were copied aside (NAME.bad-TIME) directly in folder.
-    static int copiesAside(const std::filesystem::path& folder) {
-        int count = 0;
+    // The bytes of each damaged file copied aside (NAME.bad-TIME) directly in folder.
+    static std::vector<std::string> copiesAside(const std::filesystem::path& folder) {
+        std::vector<std::string> copies;
         for (const auto& entry : std::filesystem::directory_iterator(folder))
-            count += entry.path().filename().string().find(".bad-") != std::string::npos;
-        return count;
+            if (entry.path().filename().string().find(".bad-") != std::string::npos)
+                copies.push_back(read(entry.path()));
+        return copies;
     }
     // The whole of a file's bytes; empty when it cannot be read.
     static std::string read(const std::filesystem::path& file) {

@@ -28,17 +28,14 @@ const std::string cache = "musicLibraryCache.json", favorites = "favorite.json",
                   history = "Song History.json", stations = "InternetStations.json",
                   colors = "colors.json", config = "config.json", settings = "MusicSettings.json";
 
-// The settings that differ from a fresh player's, as key=value. Saves into a folder of its own.
-std::string changedSettings(PlayerState& st) {
+// The settings of a saved text that differ from a fresh player's, as key=value.
+std::string changedSettings(const std::string& text) {
     TempDir scratch;
-    auto saved = [&](PlayerState& s) {
-        std::string folder = std::exchange(s.dataDirectory, scratch.str());
-        saveMusicSettings(s);
-        s.dataDirectory = folder;
-        return nlohmann::json::parse(TempDir::read(scratch.path() / settings));
-    };
     PlayerState fresh;
-    const nlohmann::json defaults = saved(fresh), now = saved(st);
+    fresh.dataDirectory = scratch.str();
+    saveMusicSettings(fresh);
+    const nlohmann::json defaults = nlohmann::json::parse(TempDir::read(scratch.path() / settings)),
+                         now = nlohmann::json::parse(text);
     std::string changed;
     for (const auto& [key, value] : now.items())
         if (value != defaults.at(key))
@@ -46,46 +43,42 @@ std::string changedSettings(PlayerState& st) {
     return changed;
 }
 
-// Reads one of the player's files in dir with the player's own reader, and writes it back with
-// its writer when asked. Tells what the reader kept: a word for each playlist (name:songs), row,
-// station, colour or config path, or the settings that differ from a fresh player's.
-std::string readPlayerFile(const std::string& file, const TempDir& dir, bool writeBack) {
+// Reads one of the player's files in dir with the player's own reader, then writes it back with
+// its writer, as the next save does. Tells what the reader kept: a word for each playlist
+// (name:songs), row, station, colour or config path, or the settings that differ from a fresh
+// player's.
+std::string readPlayerFile(const std::string& file, const TempDir& dir) {
     PlayerState st;
     st.dataDirectory = dir.str();
     const std::string path = (dir.path() / file).string();
     st.libraryCachePath = path;
     std::string kept;
     auto keep = [&](const std::string& word) { kept += (kept.empty() ? "" : " ") + word; };
+    auto keepEach = [&](const auto& rows, auto word) {
+        for (const auto& row : rows)
+            keep(word(row));
+    };
     if (file == cache) {
         st.playlists = loadLibraryCache(st);
-        for (const Playlist& playlist : st.playlists)
-            keep(playlist.albumName + ":" + std::to_string(playlist.songs.size()));
-        if (writeBack)
-            saveLibraryCache(st);
+        keepEach(st.playlists,
+                 [](auto& p) { return p.albumName + ":" + std::to_string(p.songs.size()); });
+        saveLibraryCache(st);
     } else if (file == favorites) {
         mergeFavoritesFile(st, path);
-        for (const FavoriteEntry& row : st.favorites)
-            keep(row.songPath);
-        if (writeBack)
-            saveFavoritesFile(st, path);
+        keepEach(st.favorites, [](auto& row) { return row.songPath; });
+        saveFavoritesFile(st, path);
     } else if (file == history) {
         loadSongHistory(st, path);
-        for (const HistoryEntry& row : st.songHistory)
-            keep(std::to_string(row.songIndex));
-        if (writeBack)
-            saveSongHistory(st, path);
+        keepEach(st.songHistory, [](auto& row) { return std::to_string(row.songIndex); });
+        saveSongHistory(st, path);
     } else if (file == stations) {
         EXPECT_TRUE(loadStations(st, path));
-        for (const RadioStation& station : st.radioStations)
-            keep(station.name);
-        if (writeBack)
-            saveStations(st, path);
+        keepEach(st.radioStations, [](auto& station) { return station.name; });
+        saveStations(st, path);
     } else if (file == colors) {
         std::vector<ColorEntry> read = loadColors(path);
-        for (const ColorEntry& color : read)
-            keep(color.name);
-        if (writeBack)
-            saveColors(read, path);
+        keepEach(read, [](auto& color) { return color.name; });
+        saveColors(read, path);
     } else if (file == config) {
         ConfigPaths paths = loadConfig(st);
         for (const std::string& found : {paths.soundFontDirectoryPath, paths.marbleTunnelPath})
@@ -93,13 +86,11 @@ std::string readPlayerFile(const std::string& file, const TempDir& dir, bool wri
                 keep(found);
         st.soundFontDirectoryPath = paths.soundFontDirectoryPath;
         st.marbleTunnelPath = paths.marbleTunnelPath;
-        if (writeBack)
-            saveConfig(st);
+        saveConfig(st);
     } else {
         EXPECT_TRUE(loadMusicSettings(st, path)); // a damaged file counts as read
-        kept = changedSettings(st);
-        if (writeBack)
-            saveMusicSettings(st);
+        saveMusicSettings(st);
+        kept = changedSettings(TempDir::read(path));
     }
     return kept;
 }
@@ -123,7 +114,7 @@ TEST_P(PlayerFiles, AreReadQuietlyAndWrittenBackInTheirExactForm) {
     TempDir dir;
     const std::string text = row.exact ? nlohmann::json::parse(row.text).dump(4) : row.text;
     dir.write(row.file, text);
-    EXPECT_EQ(errorsOf([&] { readPlayerFile(row.file, dir, /*writeBack=*/true); }), "");
+    EXPECT_EQ(errorsOf([&] { readPlayerFile(row.file, dir); }), "");
     std::string written = TempDir::read(dir.path() / row.file);
     EXPECT_EQ(nlohmann::json::parse(written),
               nlohmann::json::parse(row.want.empty() ? text : row.want));
@@ -185,20 +176,19 @@ const Stored storedFiles[] = {
 INSTANTIATE_TEST_SUITE_P(Files, PlayerFiles, testing::ValuesIn(storedFiles),
                          [](const auto& info) { return info.param.name; });
 
-// A damaged file of each kind: read as far as it goes, one line naming it, the original kept and a
-// copy of it aside.
+// A damaged file of each kind: read as far as it goes, one line naming it, and a copy of it aside.
 class DamagedFile : public testing::TestWithParam<Stored> {};
 
 TEST_P(DamagedFile, IsReadAsFarAsItGoesWithOneLineAndACopyAside) {
     TempDir dir;
     const fs::path file = dir.write(GetParam().file, GetParam().text);
     std::string kept;
-    std::string log = errorsOf([&] { kept = readPlayerFile(GetParam().file, dir, false); });
+    std::string log = errorsOf([&] { kept = readPlayerFile(GetParam().file, dir); });
     EXPECT_EQ(kept, GetParam().want);
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
     EXPECT_NE(log.find(file.string()), std::string::npos) << log;
-    EXPECT_EQ(TempDir::copiesAside(dir.path()), 1);
-    EXPECT_EQ(TempDir::read(file), GetParam().text);
+    // The save after the read replaces the file: the copy keeps what the user had.
+    EXPECT_EQ(TempDir::copiesAside(dir.path()), std::vector<std::string>{GetParam().text});
 }
 
 // The string with its first `from` replaced by `to`.
