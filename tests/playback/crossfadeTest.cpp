@@ -9,6 +9,7 @@
 #include "radio/segments.h"
 
 #include <fstream>
+#include <tuple>
 
 namespace {
 
@@ -72,8 +73,7 @@ TEST_F(Crossfade, TwoPressesWithinOneFadeCutHardAndTheThirdSongFadesInAlone) {
     ChannelHandle second = st.musicStream;
     transition(2, 0); // within the fade: the hard cut
     ChannelHandle third = st.musicStreamNext;
-    EXPECT_TRUE(isFreed(first));
-    EXPECT_TRUE(isFreed(second));
+    EXPECT_TRUE(isFreed(first) && isFreed(second));
     EXPECT_EQ(volumeOf(third), 0.0f);
     advance(100);
     EXPECT_NEAR(volumeOf(third), st.volume / 2, 1e-4);
@@ -105,8 +105,8 @@ TEST_F(Crossfade, AFailedLoadFallsSilentKeepsItsHistoryRowAndTheNextPressRecover
     st.rawTracker = 0; // the draw can only reach the broken MP3
     std::size_t rows = st.songHistory.size();
     transition();
-    EXPECT_EQ(st.songHistory.size(), rows + 1);
-    EXPECT_EQ(st.songHistory.back().plistIndex, 1);
+    EXPECT_EQ(std::tuple(st.songHistory.size(), st.songHistory.back().plistIndex),
+              std::tuple(rows + 1, 1));
     EXPECT_EQ(peak(advance(100)), 0.0f);
     EXPECT_EQ(transportState(st), TransportState::Idle);
     refreshPosition(st);
@@ -142,8 +142,7 @@ TEST_F(Crossfade, TheVolumeToggleGoesLowThenHighAndWithTheAudioOffANextPressStil
     transition();
     st.volume = 0.3f;
     toggleVolumeLevel(st);
-    EXPECT_EQ(st.volume, st.lowVolume);
-    EXPECT_EQ(st.volumeToggleState, 1);
+    EXPECT_EQ(std::tie(st.volume, st.volumeToggleState), std::tuple(st.lowVolume, 1));
     advance(1000);
     EXPECT_NEAR(volumeOf(audibleHandle(st)), (0.5f + 0.1f) / 2, 1e-3);
     st.volume = 0.2f;
