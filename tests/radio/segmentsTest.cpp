@@ -3,6 +3,7 @@
 #include "core/playerState.h"
 
 #include <gtest/gtest.h>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -95,16 +96,11 @@ TEST(SegmentEnd, IsDueInItsWindowsOnlyAndAStationEndFollowsTheMode) {
     };
     for (const Case& c : cases) {
         PlayerState st;
-        st.positionSeconds = c.position;
-        st.segmentEnd = c.segmentEnd;
-        st.lengthSeconds = c.length;
-        st.totalSongCount = c.songs;
-        st.fadeWorkerRunning = c.fading;
-        st.historyNavigation = c.walking;
-        if (c.stationMode >= 0) {
-            st.onStation = true;
-            st.stationMode = c.stationMode;
-        }
+        std::tie(st.positionSeconds, st.segmentEnd, st.lengthSeconds, st.totalSongCount,
+                 st.fadeWorkerRunning, st.historyNavigation) =
+            std::tuple(c.position, c.segmentEnd, c.length, c.songs, c.fading, c.walking);
+        if (c.stationMode >= 0)
+            std::tie(st.onStation, st.stationMode) = std::tuple(true, c.stationMode);
         EXPECT_EQ(segmentEndDue(st), c.due) << c.why;
     }
 }

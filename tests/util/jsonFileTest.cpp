@@ -222,6 +222,8 @@ std::vector<Stored> damagedFiles() {
     const std::string row =
         R"({"favoriteCount":1,"plistIndex":0,"songIndex":0,"songPath":"/m/a.mp3","songType":3})";
     const std::string entry = R"({"plistIndex":0,"songIndex":1,"songType":1})";
+    auto favoriteRows = [&](const std::string& bad) { return list(bad, row, "favorites"); };
+    auto historyRows = [&](const std::string& bad) { return list(bad, entry, "songs"); };
     const std::string station = R"({"name": "S", "url": "http://127.0.0.1/", "favoriteCount": 1})";
     const std::string color = R"({"name": "Black", "r": 0, "g": 0, "b": 0})";
     const Stored rowsOf[] = {
@@ -239,19 +241,15 @@ std::vector<Stored> damagedFiles() {
          R"({"playlists": [{"albumName":"B","iRadioMode":"yes","songs":[)" + song + "]}]}", "B:1"},
         {"favoritesRootList", favorites, "[" + row + "]", ""},
         {"favoritesNotAList", favorites, R"({"favorites": {}})", ""},
-        {"favoritesKeyMissing", favorites, list(R"({"songPath":"/m/b.mp3"})", row, "favorites"),
-         "/m/a.mp3"},
+        {"favoritesKeyMissing", favorites, favoriteRows(R"({"songPath":"/m/b.mp3"})"), "/m/a.mp3"},
         {"favoritesKeyOfWrongType", favorites,
-         list(with(row, "\"/m/a.mp3\"", "[\"/m/b.mp3\"]"), row, "favorites"), "/m/a.mp3"},
-        {"favoritesHugeNumber", favorites, list(with(row, ":1,", ":1e40,"), row, "favorites"),
-         "/m/a.mp3"},
+         favoriteRows(with(row, "\"/m/a.mp3\"", "[\"/m/b.mp3\"]")), "/m/a.mp3"},
+        {"favoritesHugeNumber", favorites, favoriteRows(with(row, ":1,", ":1e40,")), "/m/a.mp3"},
         {"historyRootList", history, "[" + entry + "]", ""},
         {"historySongsNotAList", history, R"({"songs": 5})", ""},
-        {"historyKeyMissing", history, list(with(entry, "plistIndex", "plist"), entry, "songs"),
-         "1"},
-        {"historyKeyOfWrongType", history, list(with(entry, ":0", ":\"x\""), entry, "songs"), "1"},
-        {"historyHugeNumber", history, list(with(entry, ":0", ":99999999999999"), entry, "songs"),
-         "1"},
+        {"historyKeyMissing", history, historyRows(with(entry, "plistIndex", "plist")), "1"},
+        {"historyKeyOfWrongType", history, historyRows(with(entry, ":0", ":\"x\"")), "1"},
+        {"historyHugeNumber", history, historyRows(with(entry, ":0", ":99999999999999")), "1"},
         {"stationsRootObject", stations, station, ""},
         {"stationsKeyMissing", stations, list(with(station, "url", "URL"), station), "S"},
         {"stationsKeyOfWrongType", stations, list(with(station, ": 1", ": \"3\""), station), "S"},
