@@ -94,8 +94,8 @@ TEST(Restart, ALostCacheIsRebuiltOnceFromTheStoredFolders) {
     EXPECT_NE(second.output.find("No library cache: rebuilding the library from the music "
                                  "folders.\n"),
               std::string::npos);
-    EXPECT_EQ(second.st.directoryPaths.size(), 3u);
-    EXPECT_EQ(second.st.playlists.size(), 2u);
+    EXPECT_EQ(std::tuple(second.st.directoryPaths.size(), second.st.playlists.size()),
+              std::tuple(3u, 2u));
     EXPECT_FLOAT_EQ(second.st.volume, 0.3f);
 }
 
@@ -119,8 +119,8 @@ TEST_P(LostSettings, NeverReplaceACacheThatHeldSongs) {
     ASSERT_EQ(st.playlists.size(), 3u);
     EXPECT_EQ(st.playlists[0].songs.size(), 2u);
     EXPECT_GE(st.playlists[0].songs[0].playCount, 99);
-    EXPECT_EQ(st.directoryPaths, folder.gameRoots());
-    EXPECT_TRUE(st.hasMusicFolders);
+    EXPECT_EQ(std::tie(st.directoryPaths, st.hasMusicFolders),
+              std::tuple(folder.gameRoots(), true));
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, LostSettings,

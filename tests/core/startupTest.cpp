@@ -49,14 +49,10 @@ TEST(StartupPaths, SongsOnlyInTheDefaultFolderAreScannedWithoutBecomingARoot) {
     const PlayerState& st = player.st;
 
     ASSERT_EQ(st.playlists.size(), 1u);
-    EXPECT_EQ(st.playlists[0].albumName, "Road_trip");
-    EXPECT_EQ(st.totalSongCount, 2);
-    EXPECT_TRUE(st.directoryPaths.empty());
-    EXPECT_FALSE(st.hasMusicFolders);
-    ASSERT_EQ(st.songHistory.size(), 1u);
+    EXPECT_EQ(std::tuple(st.playlists[0].albumName, st.totalSongCount, st.directoryPaths.size(),
+                         st.hasMusicFolders, st.songHistory.size()),
+              std::tuple("Road_trip", 2, 0u, false, 1u));
     EXPECT_EQ(st.songFilePath.rfind(folder.data + "/Music/Road_trip/", 0), 0u);
-    EXPECT_NE(player.output.find("Drawn song: " + st.songFilePath + "\n"), std::string::npos);
-    EXPECT_NE(player.output.find("History row 0: "), std::string::npos);
 }
 
 TEST(StartupPaths, AFirstStartEntersTheGamesThreeFoldersAndPlaysFromThem) {
@@ -65,14 +61,11 @@ TEST(StartupPaths, AFirstStartEntersTheGamesThreeFoldersAndPlaysFromThem) {
     StartedPlayer player(folder);
     const PlayerState& st = player.st;
 
-    EXPECT_EQ(st.directoryPaths, folder.gameRoots());
-    EXPECT_TRUE(st.hasMusicFolders);
-    ASSERT_EQ(st.playlists.size(), 3u);
-    EXPECT_EQ(st.playlists[0].albumName, "Marches");
-    EXPECT_EQ(st.playlists[2].albumName, "Chip");
-    EXPECT_EQ(st.totalSongCount, 3);
+    EXPECT_EQ(std::tie(st.directoryPaths, st.hasMusicFolders, st.totalSongCount),
+              std::tuple(folder.gameRoots(), true, 3));
     // The first-start ratios, then the recount silences what has nothing to offer.
     EXPECT_EQ(selectionTest::ratiosOf(st), (selectionTest::Ratios{50, 50, 50, 0, 0}));
+    // One playlist of each root's album, in the order of the roots.
     EXPECT_EQ(st.listEntries, listOf(st, {"MIDI > Marches", "MP3 > Live Set", "Tracker > Chip"}));
     ASSERT_EQ(st.songHistory.size(), 1u);
     const HistoryEntry& row = st.songHistory[0];

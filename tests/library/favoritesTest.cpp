@@ -39,11 +39,8 @@ void writeFavorites(const std::string& path, std::vector<FavoriteEntry> rows) {
 // The exact and the damaged forms of the file are tested in util/jsonFileTest.cpp.
 TEST(FavoritesFile, RowsAreMadeAnewFromTheLibrarysFlags) {
     PlayerState st;
-    st.playlists = {Playlist{"A", {song("/m/A/x.mid", musicTypeMidi), song("/m/A/y.xm", 2)}, 2},
-                    Playlist{"B", {song("/m/B/z.mp3")}, 1}};
-    countFavoriteUp(st.playlists[0].songs[1]);
-    countFavoriteUp(st.playlists[0].songs[1]);
-    countFavoriteUp(st.playlists[1].songs[0]);
+    st.playlists = {Playlist{"A", {song("/m/A/x.mid", 0), Song{"/m/A/y.xm", 1, 0, 2, 2}}, 2},
+                    Playlist{"B", {Song{"/m/B/z.mp3", 1, 0, 1, 1}}, 1}};
     st.favorites = {row("/stale/old.mp3", 9)}; // the library is the truth
     rebuildFavorites(st);
     // The favourites' own numbering of the families: 4 is Tracker.
@@ -105,12 +102,10 @@ TEST(OlderFavorites, ReadsWindowsLineEndsDropsRowsWithoutAPathAndKeepsLongPathsW
     EXPECT_EQ(st.favorites.size(), 1u);
 
     const std::string longPath = "/music/" + std::string(300, 'l') + ".mp3";
-    dir.write("favoriteMusic.cif", "3\r\n7\r\n2\r\n5\r\nC:\\Music\\a.mp3\r\n"
-                                   "\r\n\r\n\r\n\r\n\r\n" // no path: dropped
-                                   "1\r\n\r\n\r\n2\r\n" + // empty numbers are 0
-                                       longPath +
-                                       "\r\n" + //
-                                       "x\r\n1\r\n1\r\n1\r\n/bad-number.mp3\r\n");
+    // A row, one without a path (dropped), one with empty numbers (0), one with a bad number.
+    dir.write("favoriteMusic.cif",
+              "3\r\n7\r\n2\r\n5\r\nC:\\Music\\a.mp3\r\n\r\n\r\n\r\n\r\n\r\n1\r\n\r\n\r\n2\r\n" +
+                  longPath + "\r\nx\r\n1\r\n1\r\n1\r\n/bad-number.mp3\r\n");
     std::string log;
     EXPECT_EQ(errorsOf([&] { log = logOf([&] { loadOlderFavorites(st); }); }),
               "favoriteMusic.cif: 1 rows could not be read and were left out.\n");

@@ -111,13 +111,12 @@ TEST_F(StartupFonts, TheConfigFolderThenTheGamesFolderAreTriedAndEachFailureGive
     runSetUp();
     EXPECT_EQ(platform.boxes.size(), 2u);
     EXPECT_NE(st.soundFontMain, 0u);
-    auto config = readJsonFile(st.dataDirectory + "/config.json");
-    EXPECT_EQ(config, (nlohmann::json{{"soundFontDirectoryPath", games},
-                                      {"marbleTunnelPath", path("game")}}));
+    EXPECT_EQ(
+        readJsonFile(st.dataDirectory + "/config.json"),
+        (nlohmann::json{{"soundFontDirectoryPath", games}, {"marbleTunnelPath", path("game")}}));
 
     // A font in the config's folder comes first and becomes the default of every MIDI stream.
-    dir.mkdir("fonts");
-    std::filesystem::copy_file(timidityFont, path("fonts/TimGM6mb.sf2"));
+    std::filesystem::copy_file(timidityFont, dir.mkdir("fonts") / "TimGM6mb.sf2");
     writeJsonFile(st.dataDirectory + "/config.json",
                   {{"soundFontDirectoryPath", path("fonts")}, {"marbleTunnelPath", "/elsewhere"}});
     runSetUp();
