@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace {
 
@@ -20,8 +21,8 @@ TEST(HistoryFile, KeepsTheNewestTenThousandRows) {
     PlayerState back;
     loadSongHistory(back, path);
     ASSERT_EQ(back.songHistory.size(), 10000u);
-    EXPECT_EQ(back.songHistory.front().songIndex, 1);
-    EXPECT_EQ(back.songHistory.back().songIndex, 10000);
+    EXPECT_EQ(std::tie(back.songHistory.front().songIndex, back.songHistory.back().songIndex),
+              std::tuple(1, 10000));
 }
 
 TEST(HistoryFile, AMissingOrUnwritableFileGivesOneLineAndLeavesTheHistoryAndTheFileAlone) {

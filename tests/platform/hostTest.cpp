@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace {
 
@@ -22,23 +23,18 @@ struct Host {
 
 TEST(MainWindow, HasItsTitleAndItsClientAreaAndAResizeRescalesTheGrid) {
     PlayerState st;
-    st.bkGrR = 200;
-    st.bkGrG = 10;
-    st.bkGrB = 30;
+    std::tie(st.bkGrR, st.bkGrG, st.bkGrB) = std::tuple(200, 10, 30);
     MainWindow window(st);
     window.show();
     EXPECT_EQ(window.windowTitle().toStdString(), "Marble Tunnel Radio");
     EXPECT_EQ(window.screen()->size(), QSize(500, 155));
-    EXPECT_EQ(st.clientWidth, 500);
-    EXPECT_FLOAT_EQ(st.scaleX, 1.0f);
+    EXPECT_EQ(std::tie(st.clientWidth, st.scaleX), std::tuple(500, 1.0f));
     // Painted in the background colour of the settings.
     EXPECT_EQ(window.screen()->grab().toImage().pixelColor(2, 150), QColor(200, 10, 30));
 
     window.resize(1000, 310);
     QApplication::processEvents();
-    EXPECT_EQ(st.clientWidth, 1000);
-    EXPECT_FLOAT_EQ(st.scaleX, 2.0f);
-    EXPECT_FLOAT_EQ(st.scaleY, 2.0f);
+    EXPECT_EQ(std::tie(st.clientWidth, st.scaleX, st.scaleY), std::tuple(1000, 2.0f, 2.0f));
 }
 
 // The repaint tick, fired as its timer would, asks the window for a paint through the host port;
