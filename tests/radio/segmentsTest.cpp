@@ -15,13 +15,9 @@ Segment segmentFor(SegmentInput in, std::vector<double> us) {
 }
 
 TEST(SegmentRules, StartAndEndFollowTheLengthTheSettingsAndTheDraws) {
-    struct Case {
-        const char* why;
-        SegmentInput in;        // length, stream rules, whole song, minimum, maximum, fade
-        std::vector<double> us; // the draws, in order; none for a rule that draws nothing
-        Segment want;
-    };
-    const Case cases[] = {
+    // The input (length, stream rules, whole song, minimum, maximum, fade), the draws in order
+    // (none for a rule that draws nothing) and the segment wanted.
+    const std::tuple<const char*, SegmentInput, std::vector<double>, Segment> cases[] = {
         {"the earliest start", {240}, {0.0, 1.0}, {0.0, 110.0, true}},
         {"the latest start", {240}, {1.0, 0.0}, {195.0, 240.0, true}},
         // A start past 187 s runs the segment up to the fade that ends with the song.
@@ -36,11 +32,11 @@ TEST(SegmentRules, StartAndEndFollowTheLengthTheSettingsAndTheDraws) {
         {"a very short stream", {1.5}, {}, {0.0, 0.0, false}},
         {"a failed channel reads as -1 s", {-1.0}, {}, {0.0, 0.0, false}},
     };
-    for (const Case& c : cases) {
-        Segment s = segmentFor(c.in, c.us);
-        EXPECT_DOUBLE_EQ(s.start, c.want.start) << c.why;
-        EXPECT_DOUBLE_EQ(s.end, c.want.end) << c.why;
-        EXPECT_EQ(s.seek, c.want.seek) << c.why;
+    for (const auto& [why, in, us, want] : cases) {
+        Segment s = segmentFor(in, us);
+        EXPECT_DOUBLE_EQ(s.start, want.start) << why;
+        EXPECT_DOUBLE_EQ(s.end, want.end) << why;
+        EXPECT_EQ(s.seek, want.seek) << why;
     }
     // Settings in either order: the length is drawn between them.
     for (double u : {0.0, 0.5, 1.0}) {

@@ -41,34 +41,28 @@ TEST(WeightedDraw, AFavouriteStandsOncePlusItsCountAndAPlainSongOnce) {
 }
 
 TEST(Filters, EachFilterAndFamilyPlaysOnlyItsSongs) {
-    struct Case {
-        const char* why;
-        int builtInStation;
-        Ratios ratios;
-        int isFavorite; // the flag every pick must have, or -1
-        int musicType;  // the type every pick must have, or -1
-    };
-    const Case cases[] = {
+    std::vector<Song> songs; // three plain songs and one favourite in each family
+    for (MusicType type : {musicTypeMidi, musicTypeMp3, musicTypeTracker}) {
+        songs.insert(songs.end(), 3, song(type));
+        songs.push_back(favorite(type));
+    }
+    // The built-in station, the ratios, and the flag and type every pick must have (-1: any).
+    const std::tuple<const char*, int, Ratios, int, int> cases[] = {
         {"Favorites Only", 1, {50, 50, 50, 50, 0}, 1, -1},
         {"No Favorites Allowed", 2, {50, 50, 50, 0, 0}, 0, -1},
         {"the Favorites family overrides No Favorites Allowed", 2, {0, 0, 0, 50, 0}, 1, -1},
         {"a music family", 0, {0, 0, 50, 0, 0}, -1, musicTypeTracker},
     };
-    for (const Case& c : cases) {
+    for (const auto& [why, builtInStation, ratios, isFavorite, musicType] : cases) {
         PlayerState st;
-        std::vector<Song> songs; // three plain songs and one favourite in each family
-        for (MusicType type : {musicTypeMidi, musicTypeMp3, musicTypeTracker}) {
-            songs.insert(songs.end(), 3, song(type));
-            songs.push_back(favorite(type));
-        }
         addPlaylist(st, songs);
-        prepare(st, c.ratios, 23);
-        st.builtInStation = c.builtInStation;
+        prepare(st, ratios, 23);
+        st.builtInStation = builtInStation;
         st.historyDepth = 0;
         for (SongRef ref : selectMany(st, 300)) {
             const Song& picked = st.playlists.at(ref.plistIndex).songs.at(ref.songIndex);
-            ASSERT_TRUE(c.isFavorite < 0 || picked.isFavorite == c.isFavorite) << c.why;
-            ASSERT_TRUE(c.musicType < 0 || picked.musicType == c.musicType) << c.why;
+            ASSERT_TRUE(isFavorite < 0 || picked.isFavorite == isFavorite) << why;
+            ASSERT_TRUE(musicType < 0 || picked.musicType == musicType) << why;
         }
     }
 }
@@ -217,11 +211,7 @@ TEST(OnePlaylist, DrawsOnlyFromItsPlaylistWithoutFiltersOrWindow) {
 }
 
 TEST(FamilyDraw, SharesFollowTheWholeNumbersOfRThatFallInEachBand) {
-    struct Case {
-        Ratios ratios;
-        std::array<double, 5> exact;
-    };
-    const Case cases[] = {
+    const std::pair<Ratios, std::array<double, 5>> cases[] = {
         // The cumulative edges are 22.73, 45.45, 68.18 and 77.27: r 0..22 is MIDI, 23..45 MP3,
         // 46..68 Favorites, 69..77 Radio, and 78..99 is left to Tracker.
         {{50, 50, 50, 50, 20}, {0.23, 0.23, 0.22, 0.23, 0.09}},
@@ -231,19 +221,18 @@ TEST(FamilyDraw, SharesFollowTheWholeNumbersOfRThatFallInEachBand) {
         {{0, 0, 100, 0, 0}, {0, 0, 1, 0, 0}},
     };
     constexpr int draws = 4'000'000;
-    for (const Case& c : cases) {
+    for (const auto& [ratios, exact] : cases) {
         PlayerState st;
         fillEveryFamily(st);
-        prepare(st, c.ratios, 11);
+        prepare(st, ratios, 11);
         std::array<int, 5> seen{};
         for (int i = 0; i < draws; ++i)
             ++seen.at(pickFamily(st));
         for (int family = 0; family < 5; ++family) {
-            double share = static_cast<double>(seen[family]) / draws;
-            double p = c.exact[family];
+            double p = exact[family];
             // Five standard deviations: far less than a share's distance from ratio / sum.
-            EXPECT_NEAR(share, p, 5 * std::sqrt(p * (1 - p) / draws))
-                << "family " << family << " of " << testing::PrintToString(c.ratios);
+            EXPECT_NEAR(seen[family] / double(draws), p, 5 * std::sqrt(p * (1 - p) / draws))
+                << "family " << family << " of " << testing::PrintToString(ratios);
         }
     }
 }
@@ -269,28 +258,22 @@ TEST(FamilyDraw, TheFirstSongOfARunIsNeverAStation) {
 }
 
 TEST(FamilyDraw, RatiosThatLeaveNothingToDrawAreReplacedAndStayInTheSettings) {
-    struct Case {
-        const char* why;
-        Ratios ratios;
-        bool withMidi;
-        bool musicFolders;
-        Ratios replaced;
-    };
-    const Case cases[] = {
+    // The ratios, whether there are MIDI songs and music folders, and the ratios they become.
+    const std::tuple<const char*, Ratios, bool, bool, Ratios> cases[] = {
         {"all zero", {0, 0, 0, 0, 0}, true, true, {50, 1, 1, 0, 30}},
         {"only an empty family", {100, 0, 0, 0, 0}, false, true, {0, 1, 1, 0, 30}},
         {"negatives that cancel", {-10, 10, 0, 0, 0}, true, true, {50, 1, 1, 0, 30}},
         {"no music folders", {50, 50, 50, 50, 20}, true, false, {1, 0, 0, 0, 25}},
     };
-    for (const Case& c : cases) {
+    for (const auto& [why, ratios, withMidi, musicFolders, replaced] : cases) {
         PlayerState st;
-        fillEveryFamily(st, c.withMidi);
-        st.hasMusicFolders = c.musicFolders;
-        prepare(st, c.ratios, 14);
+        fillEveryFamily(st, withMidi);
+        st.hasMusicFolders = musicFolders;
+        prepare(st, ratios, 14);
         int family = pickFamily(st);
-        EXPECT_EQ(ratiosOf(st), c.replaced) << c.why;
-        EXPECT_NE(family, familyNone) << c.why;
-        EXPECT_TRUE(c.withMidi || family != familyMidi) << c.why;
+        EXPECT_EQ(ratiosOf(st), replaced) << why;
+        EXPECT_NE(family, familyNone) << why;
+        EXPECT_TRUE(withMidi || family != familyMidi) << why;
     }
 }
 
@@ -354,27 +337,24 @@ TEST(StationDraw, AStationIsPlayedAndRecordedByItsIndexEvenWithShuffleOff) {
 }
 
 TEST(StationDraw, NothingToTuneInGivesTheZeroReferenceAndRecordsNothing) {
-    struct Case {
-        const char* why;
-        bool emptyRadioPlaylist;
-        int stationMode;
-    };
-    const Case cases[] = {{"an empty radio playlist drawn", true, 1},
-                          {"the same left on from the list page", true, 4},
-                          {"no entry that stands in the draw", false, 1}};
-    for (const Case& c : cases) {
+    // Whether an empty radio playlist is there, and the station mode.
+    const std::tuple<const char*, bool, int> cases[] = {
+        {"an empty radio playlist drawn", true, 1},
+        {"the same left on from the list page", true, 4},
+        {"no entry that stands in the draw", false, 1}};
+    for (const auto& [why, emptyRadioPlaylist, stationMode] : cases) {
         PlayerState st;
         addPlaylist(st, {song(musicTypeMp3)});
-        if (c.emptyRadioPlaylist)
+        if (emptyRadioPlaylist)
             addPlaylist(st, {}, /*iRadioMode=*/1);
         addStations(st, {-1, -3});
         prepare(st, radioOnly, 44);
-        st.stationMode = c.stationMode;
-        st.onStation = c.stationMode == 4;
+        st.stationMode = stationMode;
+        st.onStation = stationMode == 4;
         st.currentStation = 3; // the radio playlist
-        EXPECT_EQ(selectNextSong(st), (SongRef{0, 0})) << c.why;
-        EXPECT_FALSE(st.onStation) << c.why; // (0, 0) names a song, not station 0
-        EXPECT_TRUE(st.songHistory.empty()) << c.why;
+        EXPECT_EQ(selectNextSong(st), (SongRef{0, 0})) << why;
+        EXPECT_FALSE(st.onStation) << why; // (0, 0) names a song, not station 0
+        EXPECT_TRUE(st.songHistory.empty()) << why;
     }
 }
 
