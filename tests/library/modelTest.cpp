@@ -2,23 +2,11 @@
 
 #include "core/playerState.h"
 #include "radio/selectionTestSupport.h"
-#include "util/paths.h"
 
 #include <gtest/gtest.h>
 #include <tuple>
 
-using selectionTest::addPlaylist;
-using selectionTest::addStations;
-using selectionTest::Ratios;
-using selectionTest::ratiosOf;
-using selectionTest::song;
-
-TEST(Extensions, ExtensionOfStartsAtTheLastDotOfTheWholePath) {
-    EXPECT_EQ(extensionOf("/music/a.b/song.Mid"), ".Mid");
-    EXPECT_EQ(extensionOf("/music/a.b/song"), ".b/song");
-    EXPECT_EQ(extensionOf("/music/song"), "");
-    EXPECT_EQ(extensionOf(""), "");
-}
+using namespace selectionTest;
 
 TEST(Recount, EmptyFamiliesHaveTheirRatiosSilencedForGood) {
     PlayerState st;
