@@ -8,7 +8,6 @@
 #include "playback/slots.h"
 #include "radio/segments.h"
 
-#include <fstream>
 #include <tuple>
 
 namespace {
@@ -97,8 +96,7 @@ TEST_F(Crossfade, WithoutAFadeTheWorkerClearsTheOldSlotAtOnceAndNeverTheNewOne) 
 }
 
 TEST_F(Crossfade, AFailedLoadFallsSilentKeepsItsHistoryRowAndTheNextPressRecovers) {
-    std::ofstream(path("broken.mp3")) << "not audio";
-    addPlaylists({module("a.mod"), path("broken.mp3")});
+    addPlaylists({module("a.mod"), dir.write("broken.mp3", "not audio").string()});
     transition(0);
     st.playRequested = false;
     st.firstFamilyPick = false;

@@ -11,7 +11,6 @@
 #include "util/jsonFile.h"
 
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <tuple>
 
@@ -22,7 +21,7 @@ using Loading = Radio;
 // The song's path is longer than 260 characters, which must not cut it.
 TEST_F(Loading, TheFirstSongGoesToBothFieldsWholeAndFadesInAtItsSegment) {
     std::string folder = std::string(120, 'a') + "/" + std::string(120, 'b');
-    std::filesystem::create_directories(dir.path() / folder);
+    dir.mkdir(folder);
     std::string file = sine(folder + "/only.flac", 120.0);
     ASSERT_GT(file.size(), 260u);
     addPlaylists({file});
@@ -44,8 +43,7 @@ TEST_F(Loading, TheFirstSongGoesToBothFieldsWholeAndFadesInAtItsSegment) {
 }
 
 TEST_F(Loading, FailedLoadsAreLoggedAndABadFileStillCountsAPlayAndKeepsTheOldTitle) {
-    std::string bad = path("bad.mp3");
-    std::ofstream(bad) << "not audio at all";
+    std::string bad = dir.write("bad.mp3", "not audio at all").string();
     addPlaylists({bad});
     st.songTitle = "Before";
     std::string log = logOf([&] {
