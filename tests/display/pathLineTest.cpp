@@ -14,7 +14,7 @@ class PathLine : public testing::Test {
     PlayerState st;
 };
 
-TEST_F(PathLine, ShowsTheFamilyAndTheTitleCasedFoldersBelowTheRootOrAllOutsideTheRoots) {
+TEST_F(PathLine, ShowsTheFamilyAndFoldersBelowTheRootAllOutsideTheRootsOrAStationsNameAndGenre) {
     EXPECT_EQ(displayPath(st, "/music/Rock/old_hits/a.mp3", musicTypeMp3), "MP3 > Rock > Old Hits");
     EXPECT_EQ(st.currentFolderTitle, "Rock");
     EXPECT_EQ(st.lcdTitle, "Rock");
@@ -28,9 +28,8 @@ TEST_F(PathLine, ShowsTheFamilyAndTheTitleCasedFoldersBelowTheRootOrAllOutsideTh
     displayPath(st, "/music/" + std::string(400, 'x') + "/a.mp3", musicTypeMp3);
     EXPECT_EQ(st.lcdTitle.size(), 255u);
     EXPECT_EQ(st.currentFolderTitle.size(), 400u);
-}
 
-TEST_F(PathLine, AFileInTheRootOrAnEmptyLibraryShowsOnlyTheFamilyAndNoRootsAskForThem) {
+    // A file in the root or an empty library shows only the family.
     st.lcdTitle = "before";
     EXPECT_EQ(displayPath(st, "/music/a.mp3", musicTypeMp3), "MP3");
     st.totalSongCount = 0;
@@ -42,9 +41,9 @@ TEST_F(PathLine, AFileInTheRootOrAnEmptyLibraryShowsOnlyTheFamilyAndNoRootsAskFo
     EXPECT_EQ(displayPath(st, "/music/Rock/a.mp3", musicTypeMp3),
               "Marble Tunnel Radio: Add your music directories");
     EXPECT_EQ(st.lcdTitle, "Marble Tunnel Radio: No Music Directory");
-}
 
-TEST_F(PathLine, AStationShowsItsNameAndGenreButNoFolders) {
+    // A station shows its name and genre but no folders.
+    st.directoryPaths = {"/music"};
     st.onStation = true;
     st.stationMode = 4;
     st.stationName = "Jazz FM";
