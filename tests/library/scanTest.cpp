@@ -13,6 +13,8 @@
 #include <tuple>
 #include <unistd.h>
 
+namespace fs = std::filesystem;
+
 namespace {
 
 // Each playlist as its name and the paths of its songs below the root, in library order.
@@ -99,15 +101,13 @@ TEST(ScanLinks, AFolderLinkedIntoTheRootIsAPlaylistButLinksBelowAreNotFollowed) 
     TempDir root;
     root.write("Album/c.mid");
     root.write("Album/d.mp3");
-    std::filesystem::create_directory_symlink(elsewhere.path() / "Linked Album",
-                                              root.path() / "Linked");
+    fs::create_directory_symlink(elsewhere.path() / "Linked Album", root.path() / "Linked");
     // A link back up the tree would loop if followed; one to another album would repeat it.
-    std::filesystem::create_directory_symlink(root.path(), root.path() / "Album/loop");
-    std::filesystem::create_directory_symlink(elsewhere.path() / "Linked Album",
-                                              root.path() / "Album/other");
-    std::filesystem::create_symlink(root.path() / "Album/d.mp3", root.path() / "Album/e.mp3");
-    std::filesystem::create_symlink(root.path() / "gone.mid", root.path() / "Album/f.mid");
-    std::filesystem::create_symlink(root.path() / "Album/c.mid", root.path() / "top.mid");
+    fs::create_directory_symlink(root.path(), root.path() / "Album/loop");
+    fs::create_directory_symlink(elsewhere.path() / "Linked Album", root.path() / "Album/other");
+    fs::create_symlink(root.path() / "Album/d.mp3", root.path() / "Album/e.mp3");
+    fs::create_symlink(root.path() / "gone.mid", root.path() / "Album/f.mid");
+    fs::create_symlink(root.path() / "Album/c.mid", root.path() / "top.mid");
     PlayerState st;
     EXPECT_EQ(shapeOf(scanRoot(st, root.str()), root),
               (Shape{{"Album", {"Album/c.mid", "Album/d.mp3", "Album/e.mp3"}},
@@ -130,11 +130,11 @@ TEST(ScanErrors, AnUnreadableSubFolderNeitherEndsTheScanNorLosesSongs) {
     root.write("Album/locked/b.mid");
     root.write("Album/z.mid");
     root.write("Other/c.mid");
-    std::filesystem::path locked = root.path() / "Album/locked";
+    fs::path locked = root.path() / "Album/locked";
     ::chmod(locked.c_str(), 0);
     WithoutReadOverride asPlainUser;
     std::error_code readable;
-    std::filesystem::directory_iterator(locked, readable);
+    fs::directory_iterator(locked, readable);
     if (!readable)
         GTEST_SKIP() << "this process reads a folder whatever its mode";
 
@@ -158,7 +158,7 @@ TEST(ScanDefault, TheDefaultFolderReplacesTheLibraryWithoutBecomingARoot) {
     st.scanPlaylistCount = 3;
     {
         ScopedCurrentDirectory inDir(dir.path());
-        EXPECT_EQ(defaultMusicFolder(), std::filesystem::current_path().string() + "/Music");
+        EXPECT_EQ(defaultMusicFolder(), fs::current_path().string() + "/Music");
         scanDefaultFolder(st);
     }
     EXPECT_EQ(shapeOf(st.playlists, dir), (Shape{{"Album", {"Music/Album/a.mid"}}}));

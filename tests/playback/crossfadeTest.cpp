@@ -3,7 +3,6 @@
 #include "core/transport.h"
 #include "core/volume.h"
 #include "playback/audioSetup.h"
-#include "playback/loading.h"
 #include "playback/radioFixture.h"
 #include "playback/slots.h"
 #include "radio/segments.h"

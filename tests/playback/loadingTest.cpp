@@ -3,7 +3,6 @@
 #include "core/audioStart.h"
 #include "core/playerState.h"
 #include "core/transport.h"
-#include "library/model.h"
 #include "playback/audioSetup.h"
 #include "playback/radioFixture.h"
 #include "playback/soundfonts.h"

@@ -2,8 +2,6 @@
 #include "core/volume.h"
 #include "playback/radioFixture.h"
 #include "playback/slots.h"
-#include "radio/segments.h"
-#include "radio/walks.h"
 
 #include <chrono>
 #include <functional>

@@ -2,7 +2,6 @@
 
 #include "core/transport.h"
 #include "core/windowEvents.h"
-#include "playback/crossfade.h"
 #include "playback/radioFixture.h"
 
 #include <tuple>
