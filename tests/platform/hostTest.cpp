@@ -12,13 +12,16 @@
 
 namespace {
 
-// The window and its backend over a player that saves into a folder of the test's.
+// The window and its backend over a player that saves every file into a folder of the test's.
 struct Host {
     TempDir dir;
     PlayerState st;
     MainWindow window{st};
     QtBackend backend{st, window};
-    Host() { st.dataDirectory = dir.str(); }
+    Host() {
+        st.dataDirectory = dir.str();
+        st.libraryCachePath = dir.str() + "/musicLibraryCache.json";
+    }
 };
 
 TEST(MainWindow, HasItsTitleAndItsClientAreaAndAResizeRescalesTheGrid) {
