@@ -5,14 +5,21 @@
 #include "settings/configFile.h"
 #include "support/startedPlayer.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <tuple>
 
 namespace fs = std::filesystem;
 
 namespace {
+
+// The game's MIDI and tracker folders, each with one album.
+const std::vector<std::string> gameMusic = {"HarpTone/MIDI Songs/Marches/x.mid",
+                                            "HarpTone/MIDI Songs/Marches/y.mid",
+                                            "HarpTone/Tracker Songs/Chip/z.xm"};
 
 void stop(PlayerState& st, const GameFolder& folder) {
     ScopedCurrentDirectory cwd(folder.data);
@@ -26,16 +33,8 @@ template <typename Use> void runOnce(const GameFolder& folder, Use use) {
     stop(player.st, folder);
 }
 
-// The game's MIDI and tracker folders, each with one album.
-void addGameMusic(const GameFolder& folder) {
-    folder.add("HarpTone/MIDI Songs/Marches/x.mid");
-    folder.add("HarpTone/MIDI Songs/Marches/y.mid");
-    folder.add("HarpTone/Tracker Songs/Chip/z.xm");
-}
-
 TEST(Restart, BringsBackPlayCountsFavouritesHistoryAndSettingsWithoutAScan) {
-    GameFolder folder;
-    addGameMusic(folder);
+    GameFolder folder(gameMusic);
     std::vector<HistoryEntry> rows;
     runOnce(folder, [&](PlayerState& st) {
         Song& y = st.playlists[0].songs[1];
@@ -57,13 +56,11 @@ TEST(Restart, BringsBackPlayCountsFavouritesHistoryAndSettingsWithoutAScan) {
     ASSERT_EQ(st.playlists.size(), 2u);
     ASSERT_EQ(st.playlists[0].songs.size(), 2u);
     const Song& y = st.playlists[0].songs[1];
+    const Playlist& chip = st.playlists[1];
     EXPECT_GE(y.playCount, 17); // one more if the start drew it again
-    EXPECT_EQ(y.isFavorite, 1);
-    EXPECT_EQ(y.favoriteCount, 2);
-    EXPECT_EQ(st.playlists[1].iRadioMode, 1);
-    EXPECT_EQ(st.playlists[1].isFavorite, 1);
-    EXPECT_EQ(st.playlists[1].favoriteCount, 1);
-    EXPECT_EQ(st.rawFav, 40);
+    EXPECT_EQ(std::tie(y.isFavorite, y.favoriteCount, chip.iRadioMode, chip.isFavorite,
+                       chip.favoriteCount, st.rawFav),
+              std::tuple(1, 2, 1, 1, 1, 40));
     ASSERT_EQ(st.songHistory.size(), rows.size() + 1);
     EXPECT_EQ(st.songHistory[0], rows[0]);
     // Nothing of the settings changed in the second run, so its exit writes the same bytes.
@@ -90,16 +87,15 @@ TEST(Shutdown, WithAnEmptyLibraryAndNoAudioStillWritesEveryFile) {
 }
 
 TEST(Restart, ALostCacheIsRebuiltOnceFromTheStoredFolders) {
-    GameFolder folder;
-    addGameMusic(folder);
+    GameFolder folder(gameMusic);
     runOnce(folder, [](PlayerState& st) { st.volume = 0.3f; });
     fs::remove(folder.data + "/musicLibraryCache.json");
     StartedPlayer second(folder);
     EXPECT_NE(second.output.find("No library cache: rebuilding the library from the music "
                                  "folders.\n"),
               std::string::npos);
-    EXPECT_EQ(second.st.directoryPaths.size(), 3u);
-    EXPECT_EQ(second.st.playlists.size(), 2u);
+    EXPECT_EQ(std::tuple(second.st.directoryPaths.size(), second.st.playlists.size()),
+              std::tuple(3u, 2u));
     EXPECT_FLOAT_EQ(second.st.volume, 0.3f);
 }
 
@@ -108,8 +104,7 @@ TEST(Restart, ALostCacheIsRebuiltOnceFromTheStoredFolders) {
 class LostSettings : public testing::TestWithParam<const char*> {};
 
 TEST_P(LostSettings, NeverReplaceACacheThatHeldSongs) {
-    GameFolder folder;
-    addGameMusic(folder);
+    GameFolder folder(gameMusic);
     folder.add("HarpTone/Mp3 Songs/Live/w.mp3");
     runOnce(folder, [](PlayerState& st) { st.playlists[0].songs[0].playCount = 99; });
     fs::remove(folder.data + "/MusicSettings.json");
@@ -124,8 +119,8 @@ TEST_P(LostSettings, NeverReplaceACacheThatHeldSongs) {
     ASSERT_EQ(st.playlists.size(), 3u);
     EXPECT_EQ(st.playlists[0].songs.size(), 2u);
     EXPECT_GE(st.playlists[0].songs[0].playCount, 99);
-    EXPECT_EQ(st.directoryPaths, folder.gameRoots());
-    EXPECT_TRUE(st.hasMusicFolders);
+    EXPECT_EQ(std::tie(st.directoryPaths, st.hasMusicFolders),
+              std::tuple(folder.gameRoots(), true));
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, LostSettings,
@@ -133,35 +128,27 @@ INSTANTIATE_TEST_SUITE_P(Files, LostSettings,
                                          "{\"directoryPaths\": \"/music\"}",
                                          "{\"volumeLevel\": 0.2}"));
 
-TEST(Restart, TheDefaultScanBeforeTheSettingsAreReadDoesNotOverwriteThem) {
-    GameFolder folder;
-    folder.add("data/Music/Road_trip/a.mid");
+// Stored settings without roots: the default folder is scanned before they are read.
+TEST(Restart, TheDefaultFolderKeepsItsFavouritesAndItsScanDoesNotOverwriteTheSettings) {
+    GameFolder folder({"data/Music/Road_trip/a.mid", "data/Music/Road_trip/b.mid"});
     folder.root.write("game/data/MusicSettings.json",
                       R"({"directoryPaths": [], "volumeLevel": 0.25, "rawFav": 7})");
-    StartedPlayer player(folder);
-    EXPECT_FLOAT_EQ(player.st.volume, 0.25f);
-    auto stored = nlohmann::json::parse(folder.read("data/MusicSettings.json"));
-    EXPECT_FLOAT_EQ(stored["volumeLevel"].get<float>(), 0.25f);
-    EXPECT_TRUE(fs::exists(folder.data + "/musicLibraryCache.json"));
-}
-
-TEST(Restart, AUserWithoutRootFoldersKeepsTheFavouritesOfTheDefaultFolder) {
-    GameFolder folder;
-    folder.add("data/Music/Road_trip/a.mid");
-    folder.add("data/Music/Road_trip/b.mid");
-    runOnce(folder, [](PlayerState& st) {
+    runOnce(folder, [&](PlayerState& st) {
+        EXPECT_FLOAT_EQ(st.volume, 0.25f);
+        auto stored = nlohmann::json::parse(folder.read("data/MusicSettings.json"));
+        EXPECT_FLOAT_EQ(stored["volumeLevel"].get<float>(), 0.25f);
+        EXPECT_TRUE(fs::exists(folder.data + "/musicLibraryCache.json"));
         ASSERT_TRUE(st.directoryPaths.empty());
         countFavoriteUp(st.playlists[0].songs[1]);
     });
     StartedPlayer second(folder);
     ASSERT_EQ(second.st.playlists.size(), 1u);
-    EXPECT_EQ(second.st.playlists[0].songs[1].isFavorite, 1);
-    EXPECT_EQ(second.st.playlists[0].songs[1].favoriteCount, 1);
+    const Song& b = second.st.playlists[0].songs[1];
+    EXPECT_EQ(std::tie(b.isFavorite, b.favoriteCount), std::tuple(1, 1));
 }
 
 TEST(Rescan, KeepsFavouritesOfMovedFilesByNameAndStartsPlayCountsAfresh) {
-    GameFolder folder;
-    addGameMusic(folder);
+    GameFolder folder(gameMusic);
     StartedPlayer player(folder);
     PlayerState& st = player.st;
     st.rawFav = 30;
@@ -175,26 +162,21 @@ TEST(Rescan, KeepsFavouritesOfMovedFilesByNameAndStartsPlayCountsAfresh) {
 
     rescanLibrary(st);
     ASSERT_EQ(st.playlists.size(), 3u);
-    const Playlist* waltzes = nullptr;
-    for (const Playlist& playlist : st.playlists)
-        if (playlist.albumName == "Waltzes")
-            waltzes = &playlist;
-    ASSERT_NE(waltzes, nullptr);
-    EXPECT_EQ(waltzes->songs[0].isFavorite, 1);
-    EXPECT_EQ(waltzes->songs[0].favoriteCount, 2);
+    auto waltzes = std::ranges::find(st.playlists, "Waltzes", &Playlist::albumName);
+    ASSERT_NE(waltzes, st.playlists.end());
+    EXPECT_EQ(std::tie(waltzes->songs[0].isFavorite, waltzes->songs[0].favoriteCount),
+              std::tuple(1, 2));
     for (const Playlist& playlist : st.playlists) {
         EXPECT_EQ(playlist.iRadioMode, 0);
         for (const Song& song : playlist.songs)
             EXPECT_LE(song.playCount, 1) << song.songPath; // the new start may have drawn it
     }
-    EXPECT_EQ(st.rawFav, 30);
-    EXPECT_EQ(st.favoriteSongCount, 1);
+    EXPECT_EQ(std::tie(st.rawFav, st.favoriteSongCount), std::tuple(30, 1));
     EXPECT_NE(folder.read("data/musicLibraryCache.json").find("Waltzes/Y.MID"), std::string::npos);
 }
 
 TEST(Rescan, DeletePathKeepsTheFavouritesOfTheFoldersThatStay) {
-    GameFolder folder;
-    addGameMusic(folder);
+    GameFolder folder(gameMusic);
     folder.add("HarpTone/Tracker Songs/Chip/x.mid"); // the same name in the other root
     StartedPlayer player(folder);
     PlayerState& st = player.st;

@@ -14,7 +14,7 @@ class PathLine : public testing::Test {
     PlayerState st;
 };
 
-TEST_F(PathLine, ShowsTheFamilyAndTheTitleCasedFoldersBelowTheRootOrAllOutsideTheRoots) {
+TEST_F(PathLine, ShowsTheFamilyAndFoldersBelowTheRootAllOutsideTheRootsOrAStationsNameAndGenre) {
     EXPECT_EQ(displayPath(st, "/music/Rock/old_hits/a.mp3", musicTypeMp3), "MP3 > Rock > Old Hits");
     EXPECT_EQ(st.currentFolderTitle, "Rock");
     EXPECT_EQ(st.lcdTitle, "Rock");
@@ -28,25 +28,22 @@ TEST_F(PathLine, ShowsTheFamilyAndTheTitleCasedFoldersBelowTheRootOrAllOutsideTh
     displayPath(st, "/music/" + std::string(400, 'x') + "/a.mp3", musicTypeMp3);
     EXPECT_EQ(st.lcdTitle.size(), 255u);
     EXPECT_EQ(st.currentFolderTitle.size(), 400u);
-}
 
-TEST_F(PathLine, WithoutRootsTheHeadlineAsksForThemWhateverTheLibraryHolds) {
-    st.directoryPaths.clear();
-    st.totalSongCount = 10;
-    EXPECT_EQ(displayPath(st, "/music/Rock/a.mp3", musicTypeMp3),
-              "Marble Tunnel Radio: Add your music directories");
-    EXPECT_EQ(st.lcdTitle, "Marble Tunnel Radio: No Music Directory");
-}
-
-TEST_F(PathLine, AnEmptyLibraryOrAFileInTheRootShowsOnlyTheFamily) {
+    // A file in the root or an empty library shows only the family.
     st.lcdTitle = "before";
     EXPECT_EQ(displayPath(st, "/music/a.mp3", musicTypeMp3), "MP3");
     st.totalSongCount = 0;
     EXPECT_EQ(displayPath(st, "/music/Rock/a.mp3", 7), "Unknown Music Type");
     EXPECT_EQ(st.lcdTitle, "before");
-}
+    // Without roots the headline asks for them, whatever the library holds.
+    st.directoryPaths.clear();
+    st.totalSongCount = 10;
+    EXPECT_EQ(displayPath(st, "/music/Rock/a.mp3", musicTypeMp3),
+              "Marble Tunnel Radio: Add your music directories");
+    EXPECT_EQ(st.lcdTitle, "Marble Tunnel Radio: No Music Directory");
 
-TEST_F(PathLine, AStationShowsItsNameAndGenreButNoFolders) {
+    // A station shows its name and genre but no folders.
+    st.directoryPaths = {"/music"};
     st.onStation = true;
     st.stationMode = 4;
     st.stationName = "Jazz FM";

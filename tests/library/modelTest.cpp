@@ -2,31 +2,19 @@
 
 #include "core/playerState.h"
 #include "radio/selectionTestSupport.h"
-#include "util/paths.h"
 
 #include <gtest/gtest.h>
+#include <tuple>
 
-using selectionTest::addPlaylist;
-using selectionTest::addStations;
-using selectionTest::Ratios;
-using selectionTest::ratiosOf;
-using selectionTest::song;
-
-TEST(Extensions, ExtensionOfStartsAtTheLastDotOfTheWholePath) {
-    EXPECT_EQ(extensionOf("/music/a.b/song.Mid"), ".Mid");
-    EXPECT_EQ(extensionOf("/music/a.b/song"), ".b/song");
-    EXPECT_EQ(extensionOf("/music/song"), "");
-    EXPECT_EQ(extensionOf(""), "");
-}
+using namespace selectionTest;
 
 TEST(Recount, EmptyFamiliesHaveTheirRatiosSilencedForGood) {
     PlayerState st;
     // A favourite counts by its count, not its flag.
     addPlaylist(st, {song(musicTypeMidi), song(musicTypeMidi, 1, 0)});
     recountLibrary(st);
-    EXPECT_EQ(st.midiSongCount, 2);
-    EXPECT_EQ(st.favoriteSongCount, 0);
-    EXPECT_EQ(st.playlistCount, 1);
+    EXPECT_EQ(std::tie(st.midiSongCount, st.favoriteSongCount, st.playlistCount),
+              std::tuple(2, 0, 1));
     EXPECT_EQ(ratiosOf(st), (Ratios{50, 0, 0, 0, 0}));
 
     // A song of no known type is no song, yet its count makes it a favourite.
@@ -34,10 +22,8 @@ TEST(Recount, EmptyFamiliesHaveTheirRatiosSilencedForGood) {
                 {song(musicTypeMp3), song(musicTypeTracker, 0, 3), song(musicTypeUnknown, 0, 2)});
     addStations(st, {0});
     recountLibrary(st);
-    EXPECT_EQ(st.mp3SongCount, 1);
-    EXPECT_EQ(st.totalSongCount, 4);
-    EXPECT_EQ(st.favoriteSongCount, 2);
-    EXPECT_EQ(st.stationCount, 1);
+    EXPECT_EQ(std::tie(st.mp3SongCount, st.totalSongCount, st.favoriteSongCount, st.stationCount),
+              std::tuple(1, 4, 2, 1));
     EXPECT_EQ(ratiosOf(st), (Ratios{50, 0, 0, 0, 0}));
 }
 
@@ -56,14 +42,4 @@ TEST(Titles, WordsStartAfterUnderscoresAndDotsOrFileCapitalsAndStopAt254Bytes) {
     std::string title = titleFromPath("aa" + std::string(300, 'B') + ".mid");
     EXPECT_EQ(title.size(), 254u);
     EXPECT_EQ(title.substr(250), " B B");
-}
-
-TEST(History, AnAppendedRowIsTheOneThatPlays) {
-    PlayerState st;
-    appendHistory(st, musicTypeMidi, 4, 2);
-    st.historyPosition = 0;
-    appendHistory(st, musicTypeStation, 1, 1);
-    EXPECT_EQ(st.songHistory, (std::vector<HistoryEntry>{{0, 4, 2}, {3, 1, 1}}));
-    EXPECT_EQ(st.historyPosition, 1);
-    EXPECT_EQ(st.historyEnd, 2);
 }

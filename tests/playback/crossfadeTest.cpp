@@ -3,12 +3,11 @@
 #include "core/transport.h"
 #include "core/volume.h"
 #include "playback/audioSetup.h"
-#include "playback/loading.h"
 #include "playback/radioFixture.h"
 #include "playback/slots.h"
 #include "radio/segments.h"
 
-#include <fstream>
+#include <tuple>
 
 namespace {
 
@@ -23,8 +22,7 @@ TEST_F(Crossfade, TheOldSongSlidesOutWhileTheNewOneSlidesInAndTheOldSlotIsFreedA
     EXPECT_FLOAT_EQ(volumeOf(first), st.volume);
     EXPECT_EQ(transportState(st), TransportState::Playing);
 
-    request(1);
-    startTransition(st);
+    transition(1, 0);
     ChannelHandle second = st.musicStreamNext;
     EXPECT_EQ(transportState(st), TransportState::Crossfading);
     advance(100);
@@ -71,11 +69,9 @@ TEST_F(Crossfade, TwoPressesWithinOneFadeCutHardAndTheThirdSongFadesInAlone) {
     ChannelHandle first = st.musicStreamNext;
     transition(1, 50);
     ChannelHandle second = st.musicStream;
-    request(2);
-    startTransition(st); // within the fade: the hard cut
+    transition(2, 0); // within the fade: the hard cut
     ChannelHandle third = st.musicStreamNext;
-    EXPECT_TRUE(isFreed(first));
-    EXPECT_TRUE(isFreed(second));
+    EXPECT_TRUE(isFreed(first) && isFreed(second));
     EXPECT_EQ(volumeOf(third), 0.0f);
     advance(100);
     EXPECT_NEAR(volumeOf(third), st.volume / 2, 1e-4);
@@ -83,8 +79,7 @@ TEST_F(Crossfade, TwoPressesWithinOneFadeCutHardAndTheThirdSongFadesInAlone) {
     advance(100);
     EXPECT_EQ(channelIsActive(third), ChannelState::Playing);
     // The next press is an ordinary fade again.
-    request(0);
-    startTransition(st);
+    transition(0, 0);
     EXPECT_EQ(transportState(st), TransportState::Crossfading);
     EXPECT_EQ(channelIsActive(third), ChannelState::Playing);
 }
@@ -100,16 +95,15 @@ TEST_F(Crossfade, WithoutAFadeTheWorkerClearsTheOldSlotAtOnceAndNeverTheNewOne) 
 }
 
 TEST_F(Crossfade, AFailedLoadFallsSilentKeepsItsHistoryRowAndTheNextPressRecovers) {
-    std::ofstream(path("broken.mp3")) << "not audio";
-    addPlaylists({module("a.mod"), path("broken.mp3")});
+    addPlaylists({module("a.mod"), dir.write("broken.mp3", "not audio").string()});
     transition(0);
     st.playRequested = false;
     st.firstFamilyPick = false;
     st.rawTracker = 0; // the draw can only reach the broken MP3
     std::size_t rows = st.songHistory.size();
     transition();
-    EXPECT_EQ(st.songHistory.size(), rows + 1);
-    EXPECT_EQ(st.songHistory.back().plistIndex, 1);
+    EXPECT_EQ(std::tuple(st.songHistory.size(), st.songHistory.back().plistIndex),
+              std::tuple(rows + 1, 1));
     EXPECT_EQ(peak(advance(100)), 0.0f);
     EXPECT_EQ(transportState(st), TransportState::Idle);
     refreshPosition(st);
@@ -130,8 +124,7 @@ TEST_F(Crossfade, DuringAFadeAVolumeChangeEndsOnlyTheFadeInAndPauseTakesTheMainS
     EXPECT_NEAR(volumeOf(old), 0.5f * 0.75f, 1e-4);
     advance(150);
 
-    request(2);
-    startTransition(st); // into the Next slot: the main one is going, and pause asks it first
+    transition(2, 0); // into the Next slot: the main one is going, and pause asks it first
     ChannelHandle going = st.musicStream;
     togglePause(st);
     EXPECT_EQ(channelIsActive(going), ChannelState::Paused);
@@ -146,8 +139,7 @@ TEST_F(Crossfade, TheVolumeToggleGoesLowThenHighAndWithTheAudioOffANextPressStil
     transition();
     st.volume = 0.3f;
     toggleVolumeLevel(st);
-    EXPECT_EQ(st.volume, st.lowVolume);
-    EXPECT_EQ(st.volumeToggleState, 1);
+    EXPECT_EQ(std::tie(st.volume, st.volumeToggleState), std::tuple(st.lowVolume, 1));
     advance(1000);
     EXPECT_NEAR(volumeOf(audibleHandle(st)), (0.5f + 0.1f) / 2, 1e-3);
     st.volume = 0.2f;

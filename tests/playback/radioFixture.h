@@ -2,7 +2,6 @@
 #include "core/playerState.h"
 #include "core/transport.h"
 #include "library/model.h"
-#include "playback/crossfade.h"
 #include "playback/engine/engineFixture.h"
 #include "playback/fadeWorker.h"
 #include "support/manualClock.h"

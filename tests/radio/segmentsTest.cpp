@@ -3,6 +3,7 @@
 #include "core/playerState.h"
 
 #include <gtest/gtest.h>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -14,46 +15,28 @@ Segment segmentFor(SegmentInput in, std::vector<double> us) {
 }
 
 TEST(SegmentRules, StartAndEndFollowTheLengthTheSettingsAndTheDraws) {
-    struct Case {
-        const char* why;
-        SegmentInput in;
-        std::vector<double> us; // the draws, in order; none for a rule that draws nothing
-        Segment want;
-    };
-    const Case cases[] = {
-        {"the earliest start", {.lengthSeconds = 240}, {0.0, 1.0}, {0.0, 110.0, true}},
-        {"the latest start", {.lengthSeconds = 240}, {1.0, 0.0}, {195.0, 240.0, true}},
+    // The input (length, stream rules, whole song, minimum, maximum, fade), the draws in order
+    // (none for a rule that draws nothing) and the segment wanted.
+    const std::tuple<const char*, SegmentInput, std::vector<double>, Segment> cases[] = {
+        {"the earliest start", {240}, {0.0, 1.0}, {0.0, 110.0, true}},
+        {"the latest start", {240}, {1.0, 0.0}, {195.0, 240.0, true}},
         // A start past 187 s runs the segment up to the fade that ends with the song.
-        {"a late start", {.lengthSeconds = 240}, {190.0 / 195.0, 1.0}, {190.0, 232.0, true}},
-        {"a tiny minimum keeps the start three seconds from the end",
-         {.lengthSeconds = 240, .minSeconds = 1, .maxSeconds = 2, .fadeSeconds = 0.0},
-         {1.0, 0.0},
-         {237.0, 238.0, true}},
+        {"a late start", {240}, {190.0 / 195.0, 1.0}, {190.0, 232.0, true}},
+        // A tiny minimum still keeps the start three seconds from the end.
+        {"a tiny minimum", {240, true, false, 1, 2, 0.0}, {1.0, 0.0}, {237.0, 238.0, true}},
         // The length is counted from the negative start: 45 s after it, the song's end.
-        {"a song shorter than the shortest segment",
-         {.lengthSeconds = 40},
-         {1.0, 0.0},
-         {-5.0, 40.0, true}},
-        {"segments off, or walking the history",
-         {.lengthSeconds = 200, .wholeSong = true},
-         {},
-         {0.0, 192.0, false}},
-        {"a stream under 30 s plays to 2 s before its end",
-         {.lengthSeconds = 20},
-         {},
-         {0.0, 18.0, false}},
-        {"a module of 20 s takes the segment rule",
-         {.lengthSeconds = 20, .streamRules = false},
-         {0.0, 0.0},
-         {0.0, 12.0, true}},
-        {"a very short stream", {.lengthSeconds = 1.5}, {}, {0.0, 0.0, false}},
-        {"a failed channel reads as -1 s", {.lengthSeconds = -1.0}, {}, {0.0, 0.0, false}},
+        {"shorter than the shortest segment", {40}, {1, 0}, {-5.0, 40.0, true}},
+        {"segments off, or walking back", {200, true, true}, {}, {0.0, 192.0, false}},
+        {"a stream under 30 s plays to 2 s before its end", {20}, {}, {0.0, 18.0, false}},
+        {"a module of 20 s takes the segment rule", {20, false}, {0, 0}, {0.0, 12.0, true}},
+        {"a very short stream", {1.5}, {}, {0.0, 0.0, false}},
+        {"a failed channel reads as -1 s", {-1.0}, {}, {0.0, 0.0, false}},
     };
-    for (const Case& c : cases) {
-        Segment s = segmentFor(c.in, c.us);
-        EXPECT_DOUBLE_EQ(s.start, c.want.start) << c.why;
-        EXPECT_DOUBLE_EQ(s.end, c.want.end) << c.why;
-        EXPECT_EQ(s.seek, c.want.seek) << c.why;
+    for (const auto& [why, in, us, want] : cases) {
+        Segment s = segmentFor(in, us);
+        EXPECT_DOUBLE_EQ(s.start, want.start) << why;
+        EXPECT_DOUBLE_EQ(s.end, want.end) << why;
+        EXPECT_EQ(s.seek, want.seek) << why;
     }
     // Settings in either order: the length is drawn between them.
     for (double u : {0.0, 0.5, 1.0}) {
@@ -109,16 +92,11 @@ TEST(SegmentEnd, IsDueInItsWindowsOnlyAndAStationEndFollowsTheMode) {
     };
     for (const Case& c : cases) {
         PlayerState st;
-        st.positionSeconds = c.position;
-        st.segmentEnd = c.segmentEnd;
-        st.lengthSeconds = c.length;
-        st.totalSongCount = c.songs;
-        st.fadeWorkerRunning = c.fading;
-        st.historyNavigation = c.walking;
-        if (c.stationMode >= 0) {
-            st.onStation = true;
-            st.stationMode = c.stationMode;
-        }
+        std::tie(st.positionSeconds, st.segmentEnd, st.lengthSeconds, st.totalSongCount,
+                 st.fadeWorkerRunning, st.historyNavigation) =
+            std::tuple(c.position, c.segmentEnd, c.length, c.songs, c.fading, c.walking);
+        if (c.stationMode >= 0)
+            std::tie(st.onStation, st.stationMode) = std::tuple(true, c.stationMode);
         EXPECT_EQ(segmentEndDue(st), c.due) << c.why;
     }
 }

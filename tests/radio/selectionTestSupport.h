@@ -16,12 +16,8 @@ namespace selectionTest {
 using Ratios = std::array<int, 5>;
 
 inline Song song(MusicType type, int isFavorite = 0, int favoriteCount = 0) {
-    Song s;
-    s.songPath = type == musicTypeMidi ? ".mid" : type == musicTypeMp3 ? ".mp3" : ".xm";
-    s.musicType = type;
-    s.isFavorite = isFavorite;
-    s.favoriteCount = favoriteCount;
-    return s;
+    const char* extension = type == musicTypeMidi ? ".mid" : type == musicTypeMp3 ? ".mp3" : ".xm";
+    return Song{extension, isFavorite, 0, favoriteCount, type};
 }
 
 inline Song favorite(MusicType type, int favoriteCount = 1) {

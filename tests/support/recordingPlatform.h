@@ -1,12 +1,11 @@
 #pragma once
 #include "core/hostPort.h"
 
-#include <map>
 #include <string>
 #include <vector>
 
-// Stands in for the window system while it is alive: records message boxes, timers and change
-// notices instead of showing or running them.
+// Stands in for the window system while it is alive: records message boxes and change notices
+// instead of showing them, and runs no timer and paints nothing.
 class RecordingPlatform : public host::Port {
   public:
     struct Box {
@@ -21,9 +20,9 @@ class RecordingPlatform : public host::Port {
     RecordingPlatform(const RecordingPlatform&) = delete;
     RecordingPlatform& operator=(const RecordingPlatform&) = delete;
 
-    void setTimer(int id, int milliseconds) override { timers[id] = milliseconds; }
-    void killTimer(int id) override { timers.erase(id); }
-    void invalidate(const host::Rect*, bool) override { ++invalidations; }
+    void setTimer(int, int) override {}
+    void killTimer(int) override {}
+    void invalidate(const host::Rect*, bool) override {}
     void messageBox(const std::string& text, const std::string& title, host::Icon icon,
                     bool owned) override {
         boxes.push_back({text, title, icon, owned});
@@ -31,8 +30,6 @@ class RecordingPlatform : public host::Port {
     void playerChanged(host::PlayerChange what) override { changes.push_back(what); }
 
     std::vector<Box> boxes;
-    std::map<int, int> timers; // id to period of the timers that run
-    int invalidations = 0;
     std::vector<host::PlayerChange> changes;
 
   private:

@@ -18,6 +18,11 @@ struct GameFolder {
     std::string game = root.mkdir("game").string();
     std::string data = root.mkdir("game/data").string();
 
+    // With the files given below the game folder.
+    explicit GameFolder(const std::vector<std::string>& files = {}) {
+        for (const std::string& file : files)
+            add(file);
+    }
     void add(const std::string& relative) const { root.write("game/" + relative, "x"); }
     // The game's three music folders, the roots of a first start.
     std::vector<std::string> gameRoots() const {

@@ -28,17 +28,14 @@ const std::string cache = "musicLibraryCache.json", favorites = "favorite.json",
                   history = "Song History.json", stations = "InternetStations.json",
                   colors = "colors.json", config = "config.json", settings = "MusicSettings.json";
 
-// The settings that differ from a fresh player's, as key=value. Saves into a folder of its own.
-std::string changedSettings(PlayerState& st) {
+// The settings of a saved text that differ from a fresh player's, as key=value.
+std::string changedSettings(const std::string& text) {
     TempDir scratch;
-    auto saved = [&](PlayerState& s) {
-        std::string folder = std::exchange(s.dataDirectory, scratch.str());
-        saveMusicSettings(s);
-        s.dataDirectory = folder;
-        return nlohmann::json::parse(TempDir::read(scratch.path() / settings));
-    };
     PlayerState fresh;
-    const nlohmann::json defaults = saved(fresh), now = saved(st);
+    fresh.dataDirectory = scratch.str();
+    saveMusicSettings(fresh);
+    const nlohmann::json defaults = nlohmann::json::parse(TempDir::read(scratch.path() / settings)),
+                         now = nlohmann::json::parse(text);
     std::string changed;
     for (const auto& [key, value] : now.items())
         if (value != defaults.at(key))
@@ -46,46 +43,42 @@ std::string changedSettings(PlayerState& st) {
     return changed;
 }
 
-// Reads one of the player's files in dir with the player's own reader, and writes it back with
-// its writer when asked. Tells what the reader kept: a word for each playlist (name:songs), row,
-// station, colour or config path, or the settings that differ from a fresh player's.
-std::string readPlayerFile(const std::string& file, const TempDir& dir, bool writeBack) {
+// Reads one of the player's files in dir with the player's own reader, then writes it back with
+// its writer, as the next save does. Tells what the reader kept: a word for each playlist
+// (name:songs), row, station, colour or config path, or the settings that differ from a fresh
+// player's.
+std::string readPlayerFile(const std::string& file, const TempDir& dir) {
     PlayerState st;
     st.dataDirectory = dir.str();
     const std::string path = (dir.path() / file).string();
     st.libraryCachePath = path;
     std::string kept;
     auto keep = [&](const std::string& word) { kept += (kept.empty() ? "" : " ") + word; };
+    auto keepEach = [&](const auto& rows, auto word) {
+        for (const auto& row : rows)
+            keep(word(row));
+    };
     if (file == cache) {
         st.playlists = loadLibraryCache(st);
-        for (const Playlist& playlist : st.playlists)
-            keep(playlist.albumName + ":" + std::to_string(playlist.songs.size()));
-        if (writeBack)
-            saveLibraryCache(st);
+        keepEach(st.playlists,
+                 [](auto& p) { return p.albumName + ":" + std::to_string(p.songs.size()); });
+        saveLibraryCache(st);
     } else if (file == favorites) {
         mergeFavoritesFile(st, path);
-        for (const FavoriteEntry& row : st.favorites)
-            keep(row.songPath);
-        if (writeBack)
-            saveFavoritesFile(st, path);
+        keepEach(st.favorites, [](auto& row) { return row.songPath; });
+        saveFavoritesFile(st, path);
     } else if (file == history) {
         loadSongHistory(st, path);
-        for (const HistoryEntry& row : st.songHistory)
-            keep(std::to_string(row.songIndex));
-        if (writeBack)
-            saveSongHistory(st, path);
+        keepEach(st.songHistory, [](auto& row) { return std::to_string(row.songIndex); });
+        saveSongHistory(st, path);
     } else if (file == stations) {
         EXPECT_TRUE(loadStations(st, path));
-        for (const RadioStation& station : st.radioStations)
-            keep(station.name);
-        if (writeBack)
-            saveStations(st, path);
+        keepEach(st.radioStations, [](auto& station) { return station.name; });
+        saveStations(st, path);
     } else if (file == colors) {
         std::vector<ColorEntry> read = loadColors(path);
-        for (const ColorEntry& color : read)
-            keep(color.name);
-        if (writeBack)
-            saveColors(read, path);
+        keepEach(read, [](auto& color) { return color.name; });
+        saveColors(read, path);
     } else if (file == config) {
         ConfigPaths paths = loadConfig(st);
         for (const std::string& found : {paths.soundFontDirectoryPath, paths.marbleTunnelPath})
@@ -93,24 +86,20 @@ std::string readPlayerFile(const std::string& file, const TempDir& dir, bool wri
                 keep(found);
         st.soundFontDirectoryPath = paths.soundFontDirectoryPath;
         st.marbleTunnelPath = paths.marbleTunnelPath;
-        if (writeBack)
-            saveConfig(st);
+        saveConfig(st);
     } else {
         EXPECT_TRUE(loadMusicSettings(st, path)); // a damaged file counts as read
-        kept = changedSettings(st);
-        if (writeBack)
-            saveMusicSettings(st);
+        saveMusicSettings(st);
+        kept = changedSettings(TempDir::read(path));
     }
     return kept;
 }
 
+// A file of the player's as stored; what the reader keeps of it (damaged files), or what the
+// writer gives back, compared as JSON (stored files; empty: the same document).
 struct Stored {
-    std::string name;
-    std::string file;
-    std::string text;
-    // What the writer gives back for it, compared as JSON; empty: the same document.
-    std::string written = "";
-    // text is in the writer's own layout, and comes back to the byte.
+    std::string name, file, text, want = "";
+    // The writer's own layout is the JSON library's: text comes back in it to the byte.
     bool exact = false;
 };
 
@@ -123,13 +112,14 @@ class PlayerFiles : public testing::TestWithParam<Stored> {};
 TEST_P(PlayerFiles, AreReadQuietlyAndWrittenBackInTheirExactForm) {
     const Stored& row = GetParam();
     TempDir dir;
-    dir.write(row.file, row.text);
-    EXPECT_EQ(errorsOf([&] { readPlayerFile(row.file, dir, /*writeBack=*/true); }), "");
+    const std::string text = row.exact ? nlohmann::json::parse(row.text).dump(4) : row.text;
+    dir.write(row.file, text);
+    EXPECT_EQ(errorsOf([&] { readPlayerFile(row.file, dir); }), "");
     std::string written = TempDir::read(dir.path() / row.file);
     EXPECT_EQ(nlohmann::json::parse(written),
-              nlohmann::json::parse(row.written.empty() ? row.text : row.written));
+              nlohmann::json::parse(row.want.empty() ? text : row.want));
     if (row.exact) {
-        EXPECT_EQ(written, row.text);
+        EXPECT_EQ(written, text);
     }
 }
 
@@ -148,31 +138,11 @@ const std::string everySettingChanged = R"({"FADE_DURATION_MS": 20000, "bkGrB": 
 // The cache writes its text itself, so its escapes, scripts and numbers are compared to the byte
 // with what the JSON library writes, as the other files are written.
 const Stored storedFiles[] = {
-    {"cache", cache, R"({
-    "playlists": [
-        {
-            "albumName": "Odd \"one\"\u0002",
-            "favoriteCount": -2,
-            "iRadioMode": 1,
-            "isFavorite": 1,
-            "songs": [
-                {
-                    "favoriteCount": 2147483647,
-                    "isFavorite": 1,
-                    "musicType": 2,
-                    "playCount": -3,
-                    "songPath": "/m/\"q\" \\ \t\n\b\f\r\u0001\u001f Café Мелодия 東京 🎵.xm"
-                }
-            ]
-        },
-        {
-            "albumName": "Empty",
-            "favoriteCount": 0,
-            "iRadioMode": 0,
-            "isFavorite": 0
-        }
-    ]
-})",
+    {"cache", cache, R"({"playlists": [{"albumName": "Odd \"one\"\u0002", "favoriteCount": -2,
+        "iRadioMode": 1, "isFavorite": 1, "songs": [{"favoriteCount": 2147483647, "isFavorite": 1,
+        "musicType": 2, "playCount": -3,
+        "songPath": "/m/\"q\" \\ \t\n\b\f\r\u0001\u001f Café Мелодия 東京 🎵.xm"}]},
+        {"albumName": "Empty", "favoriteCount": 0, "iRadioMode": 0, "isFavorite": 0}]})",
      "", true},
     {"cacheEmpty", cache, "null", "", true},
     {"cacheWithoutPlaylists", cache, "{}", "null"},
@@ -186,11 +156,8 @@ const Stored storedFiles[] = {
     {"favorites", favorites, R"({"favorites": [{"favoriteCount": 4, "plistIndex": 0,
          "songIndex": 1, "songPath": "/m/A/y.xm", "songType": 4}]})"},
     {"favoritesEmpty", favorites, "null"},
-    {"history", history,
-     "{\n    \"songs\": [\n        {\n            \"plistIndex\": 2,\n"
-     "            \"songIndex\": 7,\n            \"songType\": 1\n"
-     "        },\n        {\n            \"plistIndex\": 4,\n"
-     "            \"songIndex\": 4,\n            \"songType\": 3\n        }\n    ]\n}",
+    {"history", history, R"({"songs": [{"plistIndex": 2, "songIndex": 7, "songType": 1},
+        {"plistIndex": 4, "songIndex": 4, "songType": 3}]})",
      "", true},
     {"historyEmpty", history, "null"},
     // The same address twice stays twice.
@@ -209,31 +176,19 @@ const Stored storedFiles[] = {
 INSTANTIATE_TEST_SUITE_P(Files, PlayerFiles, testing::ValuesIn(storedFiles),
                          [](const auto& info) { return info.param.name; });
 
-// A damaged file of each kind: read as far as it goes, one line naming it, the original kept and a
-// copy of it aside.
-struct Damage {
-    std::string name;
-    std::string file;
-    std::string text;
-    std::string kept;
-};
-
-void PrintTo(const Damage& row, std::ostream* os) {
-    *os << row.name;
-}
-
-class DamagedFile : public testing::TestWithParam<Damage> {};
+// A damaged file of each kind: read as far as it goes, one line naming it, and a copy of it aside.
+class DamagedFile : public testing::TestWithParam<Stored> {};
 
 TEST_P(DamagedFile, IsReadAsFarAsItGoesWithOneLineAndACopyAside) {
     TempDir dir;
     const fs::path file = dir.write(GetParam().file, GetParam().text);
     std::string kept;
-    std::string log = errorsOf([&] { kept = readPlayerFile(GetParam().file, dir, false); });
-    EXPECT_EQ(kept, GetParam().kept);
+    std::string log = errorsOf([&] { kept = readPlayerFile(GetParam().file, dir); });
+    EXPECT_EQ(kept, GetParam().want);
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
     EXPECT_NE(log.find(file.string()), std::string::npos) << log;
-    EXPECT_EQ(TempDir::copiesAside(dir.path()), 1);
-    EXPECT_EQ(TempDir::read(file), GetParam().text);
+    // The save after the read replaces the file: the copy keeps what the user had.
+    EXPECT_EQ(TempDir::copiesAside(dir.path()), std::vector<std::string>{GetParam().text});
 }
 
 // The string with its first `from` replaced by `to`.
@@ -241,11 +196,11 @@ std::string with(std::string text, const std::string& from, const std::string& t
     return text.replace(text.find(from), from.size(), to);
 }
 
-std::vector<Damage> damagedFiles() {
+std::vector<Stored> damagedFiles() {
     const std::pair<const char*, std::string> files[] = {
         {"cache", cache},   {"favorites", favorites}, {"history", history},  {"stations", stations},
         {"colors", colors}, {"config", config},       {"settings", settings}};
-    std::vector<Damage> table;
+    std::vector<Stored> table;
     for (const auto& [tag, file] : files) {
         table.push_back({tag + std::string("NotJson"), file, "{\"a\": [", ""});
         table.push_back({tag + std::string("Empty"), file, "", ""});
@@ -267,9 +222,11 @@ std::vector<Damage> damagedFiles() {
     const std::string row =
         R"({"favoriteCount":1,"plistIndex":0,"songIndex":0,"songPath":"/m/a.mp3","songType":3})";
     const std::string entry = R"({"plistIndex":0,"songIndex":1,"songType":1})";
+    auto favoriteRows = [&](const std::string& bad) { return list(bad, row, "favorites"); };
+    auto historyRows = [&](const std::string& bad) { return list(bad, entry, "songs"); };
     const std::string station = R"({"name": "S", "url": "http://127.0.0.1/", "favoriteCount": 1})";
     const std::string color = R"({"name": "Black", "r": 0, "g": 0, "b": 0})";
-    const Damage rowsOf[] = {
+    const Stored rowsOf[] = {
         {"cacheRootList", cache, "[" + playlist + "]", ""},
         {"cachePlaylistsNotAList", cache, R"({"playlists": "A"})", ""},
         {"cacheCutShort", cache, R"({"playlists": [)" + playlist + R"(, {"albumName": "B", "so)",
@@ -284,19 +241,15 @@ std::vector<Damage> damagedFiles() {
          R"({"playlists": [{"albumName":"B","iRadioMode":"yes","songs":[)" + song + "]}]}", "B:1"},
         {"favoritesRootList", favorites, "[" + row + "]", ""},
         {"favoritesNotAList", favorites, R"({"favorites": {}})", ""},
-        {"favoritesKeyMissing", favorites, list(R"({"songPath":"/m/b.mp3"})", row, "favorites"),
-         "/m/a.mp3"},
+        {"favoritesKeyMissing", favorites, favoriteRows(R"({"songPath":"/m/b.mp3"})"), "/m/a.mp3"},
         {"favoritesKeyOfWrongType", favorites,
-         list(with(row, "\"/m/a.mp3\"", "[\"/m/b.mp3\"]"), row, "favorites"), "/m/a.mp3"},
-        {"favoritesHugeNumber", favorites, list(with(row, ":1,", ":1e40,"), row, "favorites"),
-         "/m/a.mp3"},
+         favoriteRows(with(row, "\"/m/a.mp3\"", "[\"/m/b.mp3\"]")), "/m/a.mp3"},
+        {"favoritesHugeNumber", favorites, favoriteRows(with(row, ":1,", ":1e40,")), "/m/a.mp3"},
         {"historyRootList", history, "[" + entry + "]", ""},
         {"historySongsNotAList", history, R"({"songs": 5})", ""},
-        {"historyKeyMissing", history, list(with(entry, "plistIndex", "plist"), entry, "songs"),
-         "1"},
-        {"historyKeyOfWrongType", history, list(with(entry, ":0", ":\"x\""), entry, "songs"), "1"},
-        {"historyHugeNumber", history, list(with(entry, ":0", ":99999999999999"), entry, "songs"),
-         "1"},
+        {"historyKeyMissing", history, historyRows(with(entry, "plistIndex", "plist")), "1"},
+        {"historyKeyOfWrongType", history, historyRows(with(entry, ":0", ":\"x\"")), "1"},
+        {"historyHugeNumber", history, historyRows(with(entry, ":0", ":99999999999999")), "1"},
         {"stationsRootObject", stations, station, ""},
         {"stationsKeyMissing", stations, list(with(station, "url", "URL"), station), "S"},
         {"stationsKeyOfWrongType", stations, list(with(station, ": 1", ": \"3\""), station), "S"},
