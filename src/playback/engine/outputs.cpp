@@ -6,6 +6,8 @@
 
 #include <SDL.h>
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <mutex>
 #include <thread>
 
@@ -24,16 +26,23 @@ class NullOutput : public Output {
 
 // SDL's audio thread calls mix() for each buffer the device wants. While no channel plays, the
 // device is paused, so that the mixer does not run on nothing: the callback, which must not call
-// SDL, tells a resting thread of its own, which pauses the device unless a play came meanwhile.
+// SDL, tells a resting thread of its own, the keeper, which pauses the device unless a play came
+// meanwhile. SDL's thread still wakes for every buffer of a paused device, so after a while of
+// silence the keeper closes the device, and opens it again when the next play asks: a play never
+// waits for a device to open, its sound starts once it is there.
 class DeviceOutput : public Output {
   public:
     explicit DeviceOutput(MixerTable& table) : table_(table) {}
     ~DeviceOutput() override {
-        if (pauser_.joinable()) {
-            quit_.store(true);
+        if (keeper_.joinable()) {
+            {
+                std::lock_guard lock(keeperLock_);
+                quit_.store(true);
+            }
+            keeperWake_.notify_all();
             idleReports_.fetch_add(1);
             idleReports_.notify_one();
-            pauser_.join();
+            keeper_.join();
         }
         if (device_ != 0)
             SDL_CloseAudioDevice(device_);
@@ -52,6 +61,50 @@ class DeviceOutput : public Output {
             return false;
         }
         subsystemUp_ = true;
+        device_ = openDevice();
+        if (device_ == 0) {
+            logOut("No audio device could be opened: %s\n", SDL_GetError());
+            error = EngineError::Driver;
+            return false;
+        }
+        keeper_ = std::thread([this] { keepDevice(); }); // the device starts paused
+        return true;
+    }
+
+    void lock() override {
+        deviceLock_.lock();
+        if (device_ != 0)
+            SDL_LockAudioDevice(device_);
+    }
+    void unlock() override {
+        if (device_ != 0)
+            SDL_UnlockAudioDevice(device_);
+        deviceLock_.unlock();
+    }
+    bool pullable() const override { return false; }
+    void wake() override {
+        {
+            std::lock_guard lock(keeperLock_);
+            if (state_ == State::Playing)
+                return;
+            if (state_ == State::Paused) {
+                idleReported_.store(false); // the callback does not run while paused
+                SDL_PauseAudioDevice(device_, 0);
+                state_ = State::Playing;
+            } else {
+                reopenAsked_ = true;
+            }
+        }
+        keeperWake_.notify_all();
+    }
+
+  private:
+    enum class State { Playing, Paused, Closed }; // under keeperLock_
+
+    // How long a paused device stays open for the next play.
+    static constexpr auto closeAfter = std::chrono::seconds(5);
+
+    SDL_AudioDeviceID openDevice() {
         SDL_AudioSpec want{};
         want.freq = engineRate;
         want.format = AUDIO_F32SYS;
@@ -60,29 +113,9 @@ class DeviceOutput : public Output {
         want.callback = &DeviceOutput::callback;
         want.userdata = this;
         SDL_AudioSpec have{};
-        device_ = SDL_OpenAudioDevice(nullptr, 0, &want, &have, 0);
-        if (device_ == 0) {
-            logOut("No audio device could be opened: %s\n", SDL_GetError());
-            error = EngineError::Driver;
-            return false;
-        }
-        pauser_ = std::thread([this] { pauseWhenIdle(); }); // the device starts paused
-        return true;
+        return SDL_OpenAudioDevice(nullptr, 0, &want, &have, 0);
     }
 
-    void lock() override { SDL_LockAudioDevice(device_); }
-    void unlock() override { SDL_UnlockAudioDevice(device_); }
-    bool pullable() const override { return false; }
-    void wake() override {
-        std::lock_guard lock(pauseLock_);
-        if (paused_) {
-            idleReported_.store(false); // the callback does not run while paused
-            SDL_PauseAudioDevice(device_, 0);
-            paused_ = false;
-        }
-    }
-
-  private:
     static void callback(void* self, Uint8* stream, int bytes) {
         auto* output = static_cast<DeviceOutput*>(self);
         bool playing = mixBlock(output->table_, reinterpret_cast<float*>(stream),
@@ -95,35 +128,93 @@ class DeviceOutput : public Output {
         }
     }
 
-    // A play sets its channel Playing before it wakes the device under pauseLock_, so either the
+    bool nothingPlays() {
+        OutputLock outputLock(*this);
+        return !anyPlaying(table_);
+    }
+
+    // A play sets its channel Playing before it wakes the device under keeperLock_, so either the
     // check here sees that channel, or the wake comes after this pause.
-    void pauseWhenIdle() {
+    void pauseWhenSilent() {
         std::uint32_t seen = idleReports_.load();
         while (!quit_.load()) {
+            {
+                std::lock_guard lock(keeperLock_);
+                if (state_ != State::Playing)
+                    return;
+                if (nothingPlays()) {
+                    SDL_PauseAudioDevice(device_, 1);
+                    state_ = State::Paused;
+                    return;
+                }
+            }
             idleReports_.wait(seen);
             seen = idleReports_.load();
-            std::lock_guard lock(pauseLock_);
-            bool idle = false;
+        }
+    }
+
+    void closeWhenStillPaused() {
+        std::unique_lock lock(keeperLock_);
+        if (keeperWake_.wait_for(lock, closeAfter,
+                                 [this] { return quit_.load() || state_ != State::Paused; }))
+            return;
+        std::lock_guard deviceLock(deviceLock_);
+        SDL_CloseAudioDevice(device_);
+        device_ = 0;
+        state_ = State::Closed;
+    }
+
+    void reopenWhenAsked() {
+        {
+            std::unique_lock lock(keeperLock_);
+            keeperWake_.wait(lock, [this] { return quit_.load() || reopenAsked_; });
+            if (quit_.load())
+                return;
+            reopenAsked_ = false;
+        }
+        SDL_AudioDeviceID device = openDevice(); // slow: no lock held
+        std::lock_guard lock(keeperLock_);
+        if (device == 0) {
+            logOut("No audio device could be opened: %s\n", SDL_GetError());
+            return; // the next play asks again
+        }
+        {
+            std::lock_guard deviceLock(deviceLock_);
+            device_ = device;
+        }
+        idleReported_.store(false);
+        SDL_PauseAudioDevice(device_, 0);
+        state_ = State::Playing;
+    }
+
+    void keepDevice() {
+        while (!quit_.load()) {
+            State state;
             {
-                OutputLock outputLock(*this);
-                idle = !anyPlaying(table_);
+                std::lock_guard lock(keeperLock_);
+                state = state_;
             }
-            if (idle && !paused_ && !quit_.load()) {
-                SDL_PauseAudioDevice(device_, 1);
-                paused_ = true;
-            }
+            if (state == State::Playing)
+                pauseWhenSilent();
+            else if (state == State::Paused)
+                closeWhenStillPaused();
+            else
+                reopenWhenAsked();
         }
     }
 
     MixerTable& table_;
+    std::mutex deviceLock_; // keeps device_ while a caller holds the output
     SDL_AudioDeviceID device_ = 0;
     bool subsystemUp_ = false;
     std::atomic<bool> idleReported_{false};
     std::atomic<std::uint32_t> idleReports_{0};
     std::atomic<bool> quit_{false};
-    std::mutex pauseLock_;
-    bool paused_ = true; // under pauseLock_
-    std::thread pauser_;
+    std::mutex keeperLock_;
+    std::condition_variable keeperWake_;
+    State state_ = State::Paused;
+    bool reopenAsked_ = false; // under keeperLock_
+    std::thread keeper_;
 };
 
 } // namespace
