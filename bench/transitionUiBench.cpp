@@ -14,8 +14,8 @@
 #include "playback/fadeWorker.h"
 #include "playback/slots.h"
 #include "radio/segments.h"
+#include "support/manualClock.h"
 
-#include <atomic>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
@@ -36,16 +36,6 @@ constexpr Family families[] = {{"midi", bench::SongKind::Midi},
                                {"flac", bench::SongKind::Flac},
                                {"m4a", bench::SongKind::M4a},
                                {"module", bench::SongKind::Module}};
-
-// The fade-out workers wake when this clock passes their time, so that no run sleeps 8 s.
-class StepClock : public FadeClock {
-  public:
-    std::int64_t nowMilliseconds() const override { return now_.load(); }
-    void advance(std::int64_t milliseconds) { now_ += milliseconds; }
-
-  private:
-    std::atomic<std::int64_t> now_{1000};
-};
 
 // The player logs every load to its standard output; while this lives that goes to a file, as
 // when the player runs with its output redirected, and the figure's rows stay apart from it.
@@ -92,7 +82,7 @@ bool makeLibrary(PlayerState& st, const std::filesystem::path& folder) {
 
 // Milliseconds inside one transition to the playlist's song, then some of it heard and the old
 // song cleared; -1 when the new song is not playing.
-double timedTransition(PlayerState& st, StepClock& clock, int playlist) {
+double timedTransition(PlayerState& st, ManualClock& clock, int playlist) {
     st.playRequested = true;
     st.requestedPlaylist = playlist;
     st.requestedSong = 0;
@@ -108,7 +98,7 @@ double timedTransition(PlayerState& st, StepClock& clock, int playlist) {
 
 // Every family in turn, so that each transition leaves a song of another family; the first
 // round warms the files and the font and is not counted.
-bool measure(PlayerState& st, StepClock& clock, std::vector<std::vector<double>>& times) {
+bool measure(PlayerState& st, ManualClock& clock, std::vector<std::vector<double>>& times) {
     times.assign(std::size(families), {});
     for (int round = 0; round <= rounds; ++round) {
         for (int p = 0; p < static_cast<int>(std::size(families)); ++p) {
@@ -142,7 +132,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "transition-ui-ms: cannot load %s\n", generalMidiFont);
         return 2;
     }
-    StepClock clock;
+    ManualClock clock;
     st.fadeClock = &clock;
     st.rand15.seed(3); // the same segments every run
     st.rawRadio = 0;
