@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# Plays a real Icecast station through the real player: tools/local-station on a free port, a
+# library of one short song, the radio's ratio alone. After the song, the station must fade in,
+# and the log must name it and two of its running titles.
+# Usage: localStation.sh PLAYER
+set -uo pipefail
+player="$1"
+here="$(cd "$(dirname "$0")" && pwd)"
+work="$(mktemp -d)"
+chmod 755 "$work"
+pids=()
+cleanup() {
+    for pid in "${pids[@]}"; do kill -TERM "$pid" 2>/dev/null; done
+    wait 2>/dev/null
+    rm -rf "$work"
+}
+trap cleanup EXIT
+game="$work/game"
+album="$game/HarpTone/Mp3 Songs/Album"
+mkdir -p "$game/data" "$album"
+log="$work/player.log"
+fail() {
+    echo "FAIL: $*"
+    echo "--- station"; cat "$work/station.log"
+    echo "--- player"; cat "$log"
+    exit 1
+}
+
+# Waits up to $1 tenths of a second for the command to succeed.
+waitUpTo() {
+    local tenths="$1"
+    shift
+    for _ in $(seq "$tenths"); do
+        "$@" && return 0
+        sleep 0.1
+    done
+    return 1
+}
+
+"$here/../../tools/local-station" --data "$game/data" --port 0 --every 3 >"$work/station.log" 2>&1 &
+pids+=($!)
+started() { grep -q "^Station: " "$work/station.log" || ! kill -0 "${pids[0]}" 2>/dev/null; }
+waitUpTo 300 started
+if ! grep -q "^Station: " "$work/station.log"; then
+    wait "${pids[0]}"
+    code=$?
+    [ "$code" -eq 77 ] && { echo "skipped: $(tail -1 "$work/station.log")"; exit 77; }
+    fail "tools/local-station did not start (exit $code)"
+fi
+
+ffmpeg -nostdin -loglevel error -f lavfi -i "sine=frequency=660:duration=6" -c:a libmp3lame \
+    "$album/short_song.mp3" || fail "ffmpeg could not make the song"
+cat >"$game/data/MusicSettings.json" <<EOF
+{
+    "directoryPaths": ["$game/HarpTone/Mp3 Songs"],
+    "rawFav": 0, "rawMIDI": 0, "rawMP3": 0, "rawRadio": 100, "rawTracker": 0,
+    "songPlayDurationMin": 3, "songPlayDurationMax": 4,
+    "iSongPlayDurationMin": 60, "iSongPlayDurationMax": 60,
+    "FADE_DURATION_MS": 1000
+}
+EOF
+
+cd "$game/data"
+QT_QPA_PLATFORM=offscreen SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
+pids+=($!)
+titles() { grep -o "Tone number [0-9]*" "$log" | sort -u | wc -l; }
+heard() { grep -q "Local Tone FM" "$log" && [ "$(titles)" -ge 2 ]; }
+waitUpTo 450 heard || fail "the log does not name the station and two of its titles within 45 s"
+kill -TERM "${pids[1]}"
+wait "${pids[1]}"
+code=$?
+[ "$code" -eq 0 ] || fail "the player exited with $code"
+echo "station heard: $(grep -c "Tone number" "$log") title lines"
