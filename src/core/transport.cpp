@@ -80,6 +80,7 @@ void startPlayback(PlayerState& st) {
             fadeInFirstSong(st, handle);
             setSegment(st, handle);
         }
+        armStationRetry(st, handle);
     }
     host::notifyPlayerChanged(host::PlayerChange::Song);
 }
@@ -100,6 +101,7 @@ void startTransition(PlayerState& st) {
             stopAllStreams(st); // a change during a fade cuts hard
         ChannelHandle handle = startIncoming(st, ref);
         setSegment(st, handle); // after the start of play: the jump comes once it plays
+        armStationRetry(st, handle);
         fadeInIncoming(st, handle);
         if (st.fadeWorkerRunning == 0)
             startFadeWorker(st);
@@ -157,6 +159,6 @@ void previousSong(PlayerState& st) {
 }
 
 void afterRepaintTest(PlayerState& st) {
-    if (segmentEndDue(st))
+    if (segmentEndDue(st) || stationRetryDue(st))
         startTransition(st);
 }

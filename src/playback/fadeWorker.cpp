@@ -10,14 +10,6 @@
 
 namespace {
 
-std::int64_t now(const PlaybackState& st) {
-    if (st.fadeClock)
-        return st.fadeClock->nowMilliseconds();
-    return std::chrono::duration_cast<std::chrono::milliseconds>(
-               std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
-
 void stopAndFree(ChannelHandle handle) {
     channelStop(handle);
     streamFree(handle);
@@ -39,11 +31,11 @@ void clearSilentPair(PlaybackState& st) {
 void runWorker(PlaybackState& st, std::int64_t deadline) {
     {
         std::unique_lock lock(st.fadeSleepLock);
-        while (!st.fadeWorkersEnding && now(st) < deadline) {
+        while (!st.fadeWorkersEnding && playerClockMs(st) < deadline) {
             if (st.fadeClock)
                 st.fadeWake.wait(lock);
             else
-                st.fadeWake.wait_for(lock, std::chrono::milliseconds(deadline - now(st)));
+                st.fadeWake.wait_for(lock, std::chrono::milliseconds(deadline - playerClockMs(st)));
         }
     }
     clearSilentPair(st);
@@ -58,15 +50,23 @@ void runWorker(PlaybackState& st, std::int64_t deadline) {
 }
 
 bool settled(const PlaybackState& st) {
-    std::int64_t t = now(st);
+    std::int64_t t = playerClockMs(st);
     return std::all_of(st.fadeDeadlines.begin(), st.fadeDeadlines.end(),
                        [t](std::int64_t d) { return d > t; });
 }
 
 } // namespace
 
+std::int64_t playerClockMs(const PlaybackState& st) {
+    if (st.fadeClock)
+        return st.fadeClock->nowMilliseconds();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
 void startFadeWorker(PlaybackState& st) {
-    std::int64_t deadline = now(st) + std::max(st.FADE_DURATION_MS, 0);
+    std::int64_t deadline = playerClockMs(st) + std::max(st.FADE_DURATION_MS, 0);
     {
         std::lock_guard lock(st.fadeSleepLock);
         st.fadeDeadlines.push_back(deadline);

@@ -11,6 +11,9 @@ class FadeClock {
     virtual std::int64_t nowMilliseconds() const = 0;
 };
 
+// Milliseconds on the player's clock: fadeClock when a test set one, else the steady clock.
+std::int64_t playerClockMs(const PlaybackState& st);
+
 // Starts a detached worker that sleeps FADE_DURATION_MS, then stops and frees the pair that is
 // not audible and clears fadeWorkerRunning. The flag is set here, before the thread runs.
 void startFadeWorker(PlaybackState& st);

@@ -1,8 +1,10 @@
 #include "radio/segments.h"
 
 #include "playback/engine/engine.h"
+#include "playback/fadeWorker.h"
 #include "playback/slots.h"
 #include "radio/radioState.h"
+#include "util/log.h"
 
 namespace {
 
@@ -84,4 +86,27 @@ bool segmentEndDue(const RadioState& st) {
                        r % 60 >= -2 && r % 60 <= 0;
     bool songOver = p >= n && p != -1;
     return segmentOver || songOver;
+}
+
+void armStationRetry(RadioState& st, ChannelHandle handle) {
+    const bool radioMode = st.stationMode == stationModeRadio ||
+                           st.stationMode == stationModeTop40 ||
+                           st.stationMode == stationModeUndiscovered;
+    if (!st.onStation || handle != 0 || !radioMode) {
+        st.stationRetryAtMs = -1;
+        return;
+    }
+    st.stationRetryAtMs = playerClockMs(st) + stationRetryDelayMs;
+    const bool known =
+        st.currentStation >= 0 && st.currentStation < static_cast<int>(st.radioStations.size());
+    logOut("Station %s did not load: the radio moves on in %lld seconds.\n",
+           known ? st.radioStations[st.currentStation].url.c_str() : "(none)",
+           static_cast<long long>(stationRetryDelayMs / 1000));
+}
+
+bool stationRetryDue(RadioState& st) {
+    if (st.stationRetryAtMs < 0 || playerClockMs(st) < st.stationRetryAtMs)
+        return false;
+    st.stationRetryAtMs = -1;
+    return true;
 }

@@ -30,6 +30,13 @@ void setTrackerSegment(RadioState& st, ChannelHandle handle);
 void refreshPosition(RadioState& st);
 // Whether the next transition is due now.
 bool segmentEndDue(const RadioState& st);
+// After a load: a station that failed in a radio mode (not a chosen playlist or station) makes
+// the radio move on after stationRetryDelayMs, so that a dead address in the list cannot silence
+// a radio that runs unattended. Any other load clears the wait.
+constexpr std::int64_t stationRetryDelayMs = 3000;
+void armStationRetry(RadioState& st, ChannelHandle handle);
+// True once, when the wait of a failed station is over.
+bool stationRetryDue(RadioState& st);
 
 template <typename Draw> Segment chooseSegment(const SegmentInput& in, Draw&& nextU) {
     const double length = in.lengthSeconds;

@@ -113,6 +113,30 @@ TEST_F(Crossfade, AFailedLoadFallsSilentKeepsItsHistoryRowAndTheNextPressRecover
     EXPECT_GT(peak(advance(100)), 0.0f);
 }
 
+// A dead address must not silence a radio that runs unattended; a station the user chose stays.
+TEST_F(Crossfade, AStationThatFailsMovesTheRadioOnAfterThreeSecondsUnlessTheUserChoseIt) {
+    addPlaylists({sine("a.flac", 30.0)});
+    st.radioStations = {RadioStation{"Dead", "http://127.0.0.1:1/"}};
+    st.stationCount = 1;
+    transition(0);
+    st.playRequested = false;
+    st.firstFamilyPick = false;
+    st.rawMIDI = st.rawMP3 = st.rawTracker = st.rawFav = 0;
+    st.rawRadio = 100;
+    for (int mode : {stationModeRadio, stationModeStation}) {
+        st.stationMode = mode;
+        st.currentStation = 0;
+        transition(-1, 2900);
+        ASSERT_TRUE(st.onStation);
+        std::size_t rows = st.songHistory.size();
+        afterRepaintTest(st);
+        EXPECT_EQ(st.songHistory.size(), rows);
+        advance(200);
+        afterRepaintTest(st);
+        EXPECT_EQ(st.songHistory.size(), mode == stationModeRadio ? rows + 1 : rows) << mode;
+    }
+}
+
 TEST_F(Crossfade, DuringAFadeAVolumeChangeEndsOnlyTheFadeInAndPauseTakesTheMainSlotFirst) {
     addPlaylists({sine("a.flac", 5.0), sine("b.flac", 5.0), sine("c.flac", 5.0)});
     transition(0); // into the Next slot
