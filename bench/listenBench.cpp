@@ -11,6 +11,11 @@
 // random stretch of 45 to 110 s and the window ends 41 s into it at the latest, fade-in included.
 // What each thread of the player used in each window goes to the error stream, for whoever
 // looks into a miss.
+//
+// listen-rss-mp3-fluidr3 and listen-rss-midi-fluidr3: the player's resident memory 60 s after its
+// music starts, FluidR3_GM (140 MB) in its soundfont folder, playing the MP3 or a General MIDI
+// song through that font; the median of three runs, at most 100 and 150 MiB. The reference
+// tool's memory on the same song, measured once between them, is shown beside.
 #include "benchProcess.h"
 #include "benchSongs.h"
 #include "benchSupport.h"
@@ -29,18 +34,24 @@ constexpr double songSeconds = 150.0;
 constexpr double settleSeconds = 3.0;
 constexpr double windowSeconds = 30.0;
 constexpr int rounds = 3;
+constexpr double rssSeconds = 60.0;
+
+enum class Measure { Cpu, Rss };
 
 struct Figure {
     const char* name;
+    Measure measure;
     std::optional<bench::SongKind> kind; // nothing: the idle player
     const char* musicFolder;             // under GAME/HarpTone
     const char* reference;               // the command it is held against
 };
 constexpr Figure figures[] = {
-    {"listen-cpu-mp3", bench::SongKind::Mp3, "Mp3 Songs", "mpv"},
-    {"listen-cpu-midi", bench::SongKind::Midi, "MIDI Songs", "fluidsynth"},
-    {"listen-cpu-module", bench::SongKind::Module, "Tracker Songs", "mpv"},
-    {"listen-cpu-idle", std::nullopt, "", ""},
+    {"listen-cpu-mp3", Measure::Cpu, bench::SongKind::Mp3, "Mp3 Songs", "mpv"},
+    {"listen-cpu-midi", Measure::Cpu, bench::SongKind::Midi, "MIDI Songs", "fluidsynth"},
+    {"listen-cpu-module", Measure::Cpu, bench::SongKind::Module, "Tracker Songs", "mpv"},
+    {"listen-cpu-idle", Measure::Cpu, std::nullopt, "", ""},
+    {"listen-rss-mp3-fluidr3", Measure::Rss, bench::SongKind::Mp3, "Mp3 Songs", "mpv"},
+    {"listen-rss-midi-fluidr3", Measure::Rss, bench::SongKind::Midi, "MIDI Songs", "fluidsynth"},
 };
 
 void sleepSeconds(double seconds) {
@@ -74,22 +85,56 @@ bool logHolds(const std::string& path, const std::string& text) {
     return false;
 }
 
-// Waits for the program's music to start, settles, then measures it: CPU seconds per minute,
-// or -1 when it did not start or died. Its threads' share goes to the error stream.
-double cpuPerMinute(const bench::Launch& launch, const std::string& readyLine,
-                    const std::string& label) {
-    bench::RunningProgram program(launch);
+// Waits up to 60 s for the line that says the program's music started; false when it did not
+// come or the program died.
+bool waitForMusic(bench::RunningProgram& program, const bench::Launch& launch,
+                  const std::string& readyLine, const std::string& label) {
     if (program.pid() == 0)
-        return -1.0;
+        return false;
     auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (!readyLine.empty() && !logHolds(launch.outputPath, readyLine)) {
         if (!program.alive() || std::chrono::steady_clock::now() > deadline) {
             std::fprintf(stderr, "%s: no \"%s\" in %s\n", label.c_str(), readyLine.c_str(),
                          launch.outputPath.c_str());
-            return -1.0;
+            return false;
         }
         sleepSeconds(0.05);
     }
+    return true;
+}
+
+// The resident memory of the process in MiB, -1 when it cannot be read.
+double residentMiB(pid_t pid) {
+    std::ifstream in("/proc/" + std::to_string(pid) + "/status");
+    std::string line;
+    while (std::getline(in, line))
+        if (line.rfind("VmRSS:", 0) == 0)
+            return std::stod(line.substr(6)) / 1024.0;
+    return -1.0;
+}
+
+// Lets the program's music play for rssSeconds, then reads its resident memory; -1 when it did
+// not start or died.
+double rssAfterListening(const bench::Launch& launch, const std::string& readyLine,
+                         const std::string& label) {
+    bench::RunningProgram program(launch);
+    if (!waitForMusic(program, launch, readyLine, label))
+        return -1.0;
+    sleepSeconds(rssSeconds);
+    double mib = program.alive() ? residentMiB(program.pid()) : -1.0;
+    program.stop();
+    if (mib < 0.0)
+        std::fprintf(stderr, "%s: ended before its %g s\n", label.c_str(), rssSeconds);
+    return mib;
+}
+
+// Waits for the program's music to start, settles, then measures it: CPU seconds per minute,
+// or -1 when it did not start or died. Its threads' share goes to the error stream.
+double cpuPerMinute(const bench::Launch& launch, const std::string& readyLine,
+                    const std::string& label) {
+    bench::RunningProgram program(launch);
+    if (!waitForMusic(program, launch, readyLine, label))
+        return -1.0;
     sleepSeconds(settleSeconds);
     auto threadsBefore = bench::threadCpuSeconds(program.pid());
     double before = bench::processCpuSeconds(program.pid());
@@ -150,6 +195,24 @@ bool measure(const Figure& figure, const fs::path& folder, const fs::path& playe
             return false;
     }
     fs::path data = layOutGame(folder, figure, song);
+    if (figure.measure == Measure::Rss) {
+        for (int round = 0; round < rounds; ++round) {
+            std::string tag = std::string(figure.name) + " round " + std::to_string(round + 1);
+            double mine = rssAfterListening(playerLaunch(player, data, folder / "player.log"),
+                                            "Fading in", tag + " player");
+            if (mine < 0.0)
+                return false;
+            ours.push_back(mine);
+            if (round == rounds / 2) {
+                double command = rssAfterListening(
+                    referenceLaunch(figure, song, folder / "reference.log"), "", tag);
+                if (command <= 0.0)
+                    return false;
+                theirs.push_back(command);
+            }
+        }
+        return true;
+    }
     for (int round = 0; round < rounds; ++round) {
         std::string tag = std::string(figure.name) + " round " + std::to_string(round + 1);
         double mine = cpuPerMinute(playerLaunch(player, data, folder / "player.log"),
@@ -179,12 +242,17 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "no figure %s\n", name.c_str());
         return 2;
     }
-    // build/bench/listenCpuBench: the player is build/marble-tunnel-radio.
+    // build/bench/listenBench: the player is build/marble-tunnel-radio.
     fs::path player =
         fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "marble-tunnel-radio";
     std::vector<double> ours, theirs;
     if (!measure(*figure, folder, player, ours, theirs))
         return 2;
+    if (figure->measure == Measure::Rss) {
+        bench::printInfoRow(name + "-" + figure->reference, bench::median(theirs), "MiB");
+        double target = figure->kind == bench::SongKind::Mp3 ? 100.0 : 150.0;
+        return bench::printRow(name, bench::median(ours), "MiB", target) ? 0 : 1;
+    }
     bench::printInfoRow(name + "-player", bench::median(ours), "s/min");
     if (!figure->kind)
         return bench::printRow(name, bench::median(ours), "s/min", 0.1) ? 0 : 1;
