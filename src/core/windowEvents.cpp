@@ -53,9 +53,7 @@ void onRepaintTick(PlayerState& st) {
 void onStationTagsTick(PlayerState& st) {
     if (!st.onStation)
         return;
-    readStationTags(st, st.activeHandle);
-    st.previousStationName = st.stationName;
-    st.lcdDirty = true;
+    refreshStationTags(st);
 }
 
 void onVolumeTextTimeout(PlayerState& st) {

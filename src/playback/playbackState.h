@@ -61,6 +61,10 @@ struct PlaybackState : LibraryState {
     std::string stationGenre;
     std::string streamTitle;
     std::string previousStationName;
+    // The texts of the last "Station:" line, so a refresh logs only what changed.
+    std::string loggedStationName;
+    std::string loggedStationGenre;
+    std::string loggedStreamTitle;
 
     // --- Soundfonts.
     std::string soundFontDirectoryPath;
