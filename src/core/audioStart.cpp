@@ -14,14 +14,12 @@ void errorBox(const char* text) {
     host::messageBox(text, "Error", host::Icon::Error, false);
 }
 
-void reportSoundFontLoad(SoundFontLoad result) {
-    if (result == SoundFontLoad::NoFonts)
-        errorBox("No soundfont files found.");
-    else if (result == SoundFontLoad::Failed)
-        errorBox("Failed to load the selected soundfont.");
-}
-
 } // namespace
+
+void showFontBox(FontBox box) {
+    if (box != FontBox::None)
+        errorBox(fontBoxText(box));
+}
 
 void initAudioAtStartup(PlayerState&) {
     if (!engineInit())
@@ -38,16 +36,26 @@ void setUpStartupSoundFonts(PlayerState& st) {
         findSoundFonts(st);
         saveConfig(st);
     }
-    reportSoundFontLoad(loadDrawnSoundFont(st));
-}
-
-void setUpSoundFonts(PlayerState& st) {
-    findSoundFonts(st);
-    reportSoundFontLoad(loadDrawnSoundFont(st));
+    // currentSoundFont stays as it is, whichever font was drawn.
+    showFontBox(st.soundFonts.empty() ? FontBox::NoFonts : loadDrawnSoundFont(st, 0));
 }
 
 void initAudio(PlayerState& st) {
     loadAudioPlugins();
     initAudioAtStartup(st);
-    setUpSoundFonts(st);
+    showFontBox(setUpSoundFonts(st));
+}
+
+void rescanSoundFonts(PlayerState& st) {
+    showFontBox(rescanSoundFontFolder(st, loadConfig(st).soundFontDirectoryPath));
+}
+
+void stepSoundFont(PlayerState& st, int step) {
+    const int count = static_cast<int>(st.soundFonts.size());
+    if (count == 0) {
+        showFontBox(FontBox::NoFonts);
+        return;
+    }
+    st.songInfoDirty = true;
+    showFontBox(selectSoundFont(st, (st.currentSoundFont + (step < 0 ? count - 1 : 1)) % count));
 }

@@ -43,6 +43,21 @@ void stopIfNoFamily(PlayerState& st) {
         stopAllStreams(st);
 }
 
+// Runs after the transition has let go of streamMutex: a restart ends in a start of playback,
+// which takes that lock, and a box must not hold it while the user reads it.
+void finishRotation(PlayerState& st, const RotationOutcome& outcome) {
+    if (outcome.recovery == FontRecovery::RestartAudio) {
+        restartAudio(st); // a new song from a new set-up: nothing left to repair
+        return;
+    }
+    showFontBox(outcome.box);
+    if (outcome.recovery == FontRecovery::Rescan) {
+        rescanSoundFonts(st);
+        if (outcome.repairDue)
+            showFontBox(repairSoundFont(st, Slot::Next));
+    }
+}
+
 void setSegment(PlayerState& st, ChannelHandle handle) {
     if (st.currentMusicType == musicTypeTracker)
         setTrackerSegment(st, handle);
@@ -91,6 +106,7 @@ void startTransition(PlayerState& st) {
     SongRef ref = chooseTransitionSource(st);
     stopIfNoFamily(st);
     logChosenSong(st, ref);
+    RotationOutcome rotation;
     {
         // The worker stops and frees under the same lock, so it never meets half a transition,
         // and with no fade at all it cannot wake before the slots have flipped.
@@ -109,12 +125,13 @@ void startTransition(PlayerState& st) {
             st.fadeWorkerRunning = 0;
         if (st.currentMusicType == musicTypeMidi && !st.onStation) {
             ++st.songsSinceFontChange;
-            rotateSoundFont(st);
+            rotation = rotateSoundFont(st);
         }
         endHistoryWalkAtLastRow(st);
         st.nextSlotActive = !st.nextSlotActive;
         st.previousMusicType = st.currentMusicType;
     }
+    finishRotation(st, rotation);
     host::notifyPlayerChanged(host::PlayerChange::Song);
 }
 

@@ -73,6 +73,11 @@ struct PlaybackState : LibraryState {
     int currentSoundFont = 0;
     FontHandle soundFontMain = 0;
     FontHandle soundFontNext = 0;
+    int soundFontIndexMain = 0; // the font the rotation last gave to each slot
+    int soundFontIndexNext = 0;
     int songsSinceFontChange = 0;
+    // Set-up and rescan each seed it anew, from this seed when a test fixed one (not 0), else
+    // from the system's non-deterministic source.
     LazyMt19937 soundFontRng;
+    std::uint32_t soundFontSeed = 0;
 };

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <filesystem>
 #include <set>
 #include <thread>
 
@@ -43,6 +44,8 @@ struct Engine {
     std::uint32_t nextGeneration = 1;
     FontTable fonts;
     DecodeThreads decodeThreads;
+    std::uint32_t epoch = 0;  // counts the inits: a font parsed across a free is not handed out
+    int setFontsFailures = 0; // a test's order: the next stream font changes fail
 
     ~Engine() { shutDownLocked(); }
     void shutDownLocked();
@@ -110,6 +113,7 @@ void Engine::shutDownLocked() {
     decodeThreads.waitForAll(); // no decoder outlives the engine's fonts and output
     output.reset();
     fonts = {};
+    setFontsFailures = 0;
     initialized = false;
 }
 
@@ -221,6 +225,7 @@ bool engineInit(AudioOutput kind) {
         threads.finished();
     }).detach();
     e.initialized = true;
+    ++e.epoch;
     return succeed(true);
 }
 
@@ -377,13 +382,30 @@ const char* channelGetTags(ChannelHandle handle, TagKind) {
 
 FontHandle midiFontInit(const std::string& path) {
     Engine& e = engine();
+    std::error_code ec;
+    std::filesystem::path canonical = std::filesystem::weakly_canonical(path, ec);
+    std::string key = ec ? path : canonical.string();
+    std::uint32_t epoch = 0;
+    SoundFontRef font;
+    {
+        std::lock_guard lock(e.lifecycle);
+        if (!e.initialized)
+            return fail(EngineError::Init, FontHandle{0});
+        epoch = e.epoch;
+        font = parsedFont(e.fonts, key);
+    }
+    // A General MIDI font takes a tenth of a second to parse, which no create, free or other
+    // font on any thread may wait for.
+    if (!font) {
+        EngineError error = EngineError::Ok;
+        font = loadSoundFont(path, error);
+        if (!font)
+            return fail(error, FontHandle{0});
+    }
     std::lock_guard lock(e.lifecycle);
-    if (!e.initialized)
+    if (!e.initialized || e.epoch != epoch)
         return fail(EngineError::Init, FontHandle{0});
-    EngineError error = EngineError::Ok;
-    SoundFontRef font = loadSoundFont(path, error);
-    if (!font)
-        return fail(error, FontHandle{0});
+    e.fonts.parsed[key] = font;
     FontHandle handle = fontBit | (e.takeGeneration() << slotBits);
     e.fonts.loaded.push_back(FontEntry{handle, std::move(font)});
     return succeed(handle);
@@ -394,7 +416,7 @@ bool midiFontFree(FontHandle font) {
         return succeed(true);
     Engine& e = engine();
     std::lock_guard lock(e.lifecycle);
-    // Streams that use it keep their own reference; only streams to come lose it.
+    // Streams that use it and the default list keep their own reference.
     if (!removeFont(e.fonts, font))
         return fail(EngineError::Handle, false);
     return succeed(true);
@@ -412,6 +434,10 @@ bool midiStreamSetFonts(ChannelHandle stream, const MidiFontRecord* records, int
         if (stream == 0) {
             e.fonts.defaults = chosen;
             return succeed(true);
+        }
+        if (e.setFontsFailures > 0) {
+            --e.setFontsFailures;
+            return fail(EngineError::Unknown, false);
         }
     }
     return withChannel(stream, false, [&chosen](Channel& ch, Slot&) {
@@ -481,6 +507,11 @@ std::vector<float> nullOutputPull(std::size_t frames) {
         mixBlock(e.mixer, mixed.data() + done * 2, count);
     }
     return mixed;
+}
+
+void failStreamSetFonts(int calls) {
+    std::lock_guard lock(engine().lifecycle);
+    engine().setFontsFailures = calls;
 }
 
 int channelUnderruns(ChannelHandle handle) {

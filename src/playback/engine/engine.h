@@ -94,7 +94,9 @@ bool channelSetPosition(ChannelHandle handle, std::uint64_t bytes);
 const char* channelGetTags(ChannelHandle handle, TagKind kind);
 
 // --- MIDI.
+// A file already open shares its parsed font with the new handle, so a reopen costs nothing.
 FontHandle midiFontInit(const std::string& path);
+// The handle goes; the streams and the default list that name it keep the font.
 bool midiFontFree(FontHandle font);
 // Stream 0 sets the default fonts of every MIDI stream created afterwards; a stream's own fonts
 // are loaded on its decode thread and heard from its next decoded audio on.
@@ -105,5 +107,7 @@ int midiStreamGetFonts(ChannelHandle stream, MidiFontRecord* out, int count);
 // --- For tests and benchmarks.
 // Mixes the next frames of the null output; waits for decoders, so the result is deterministic.
 std::vector<float> nullOutputPull(std::size_t frames);
+// The next `calls` font changes of a stream (not of stream 0) fail, as a broken stream's would.
+void failStreamSetFonts(int calls);
 // Blocks of a playing channel that found its buffer empty.
 int channelUnderruns(ChannelHandle handle);

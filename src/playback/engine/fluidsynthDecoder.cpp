@@ -104,6 +104,7 @@ class FluidMidiDecoder final : public MidiDecoder {
           synth_(std::move(synth)) {}
 
     std::size_t render(float* out, std::size_t frames) override {
+        unloadRetiredFonts();
         auto count = static_cast<std::size_t>(std::min<std::uint64_t>(frames, length_ - position_));
         if (player_)
             pull(out, count);
@@ -138,8 +139,17 @@ class FluidMidiDecoder final : public MidiDecoder {
     bool restart(std::uint64_t frame);
 
   private:
+    // A voice that sounded when the fonts changed, known by its note id: FluidSynth reuses the
+    // voice for later notes.
+    struct RingingVoice {
+        fluid_voice_t* voice;
+        unsigned int id;
+    };
+
     void pull(float* out, std::size_t frames);
     void synthesize(float* out, std::size_t frames);
+    void retireFonts(std::vector<int> ids);
+    void unloadRetiredFonts();
 
     std::string path_;
     FilePtr file_;
@@ -149,6 +159,8 @@ class FluidMidiDecoder final : public MidiDecoder {
     std::uint64_t position_ = 0;
     std::vector<SoundFontRef> fonts_; // keeps the shared samples alive under the synth's fonts
     std::vector<int> fontIds_;
+    std::vector<int> retiredIds_; // replaced fonts, still sounding in the voices below
+    std::vector<RingingVoice> ringing_;
     SettingsPtr settings_; // then synth, then player: each dies before what it uses
     SynthPtr synth_;
     PlayerPtr player_;
@@ -224,16 +236,13 @@ bool FluidMidiDecoder::restart(std::uint64_t frame) {
 }
 
 // FluidSynth looks for a preset in the most recently loaded font first, so the list is loaded
-// from its end: where several fonts have a preset, the first font of the list wins.
+// from its end: where several fonts have a preset, the first font of the list wins. The new fonts
+// come in before the old ones go, and the load gives every channel the preset of its own bank and
+// program (drums stay drums) from the new fonts: the next notes sound on them. Notes still
+// sounding are not cut; they ring out on the old fonts, which are unloaded once they have ended.
 void FluidMidiDecoder::setFonts(const std::vector<SoundFontRef>& fonts) {
-    if (!fontIds_.empty()) {
-        // Notes still sounding would hold the old fonts, which FluidSynth then frees later from a
-        // timer thread of its own; silenced, they let go at once.
-        fluid_synth_all_sounds_off(synth_.get(), -1);
-        for (int id : fontIds_)
-            fluid_synth_sfunload(synth_.get(), id, 1);
-        fontIds_.clear();
-    }
+    std::vector<int> oldIds = std::move(fontIds_);
+    fontIds_.clear();
     for (auto font = fonts.rbegin(); font != fonts.rend(); ++font) {
         if (!*font)
             continue;
@@ -243,7 +252,37 @@ void FluidMidiDecoder::setFonts(const std::vector<SoundFontRef>& fonts) {
         else
             fontIds_.push_back(id);
     }
+    retireFonts(std::move(oldIds));
     fonts_ = fonts; // only now may the old fonts go: a font in both lists is not read twice
+}
+
+// FluidSynth would otherwise free a font unloaded under sounding voices later, from a timer
+// thread of its own.
+void FluidMidiDecoder::retireFonts(std::vector<int> ids) {
+    if (ids.empty())
+        return;
+    retiredIds_.insert(retiredIds_.end(), ids.begin(), ids.end());
+    std::vector<fluid_voice_t*> voices(
+        static_cast<std::size_t>(fluid_synth_get_polyphony(synth_.get())) + 1, nullptr);
+    fluid_synth_get_voicelist(synth_.get(), voices.data(), int(voices.size()), -1);
+    for (fluid_voice_t* voice : voices)
+        if (voice)
+            ringing_.push_back({voice, fluid_voice_get_id(voice)});
+    unloadRetiredFonts();
+}
+
+void FluidMidiDecoder::unloadRetiredFonts() {
+    if (retiredIds_.empty())
+        return;
+    std::erase_if(ringing_, [](const RingingVoice& ringing) {
+        return !fluid_voice_is_playing(ringing.voice) ||
+               fluid_voice_get_id(ringing.voice) != ringing.id;
+    });
+    if (!ringing_.empty())
+        return;
+    for (int id : retiredIds_)
+        fluid_synth_sfunload(synth_.get(), id, 1);
+    retiredIds_.clear();
 }
 
 enum class FontHeader { Unreadable, Other, SoundFont };

@@ -10,8 +10,17 @@ bool removeFont(FontTable& table, FontHandle handle) {
     if (it == table.loaded.end())
         return false;
     table.loaded.erase(it);
-    std::erase_if(table.defaults, named);
     return true;
+}
+
+SoundFontRef parsedFont(FontTable& table, const std::string& key) {
+    auto it = table.parsed.find(key);
+    if (it == table.parsed.end())
+        return nullptr;
+    SoundFontRef font = it->second.lock();
+    if (!font)
+        table.parsed.erase(it);
+    return font;
 }
 
 bool chooseFonts(const FontTable& table, const MidiFontRecord* records, int count,

@@ -2,6 +2,8 @@
 #include "playback/engine/decoder.h"
 #include "playback/engine/handle.h"
 
+#include <map>
+#include <string>
 #include <vector>
 
 struct MidiFontRecord;
@@ -13,14 +15,20 @@ struct FontEntry {
 };
 
 // The soundfonts loaded through the engine, and the list every new MIDI stream starts with. The
-// engine's lifecycle lock guards it; streams hold references of their own.
+// engine's lifecycle lock guards it; streams and the defaults hold references of their own, so a
+// font lives while anything lists it.
 struct FontTable {
     std::vector<FontEntry> loaded;
     std::vector<FontEntry> defaults;
+    // Every parsed font still alive, by its file: a second open of a file shares the first's.
+    std::map<std::string, std::weak_ptr<const SoundFont>> parsed;
 };
 
-// Forgets the font, from the defaults too; false when the table has no such handle.
+// Forgets the handle; the defaults keep their fonts, so that the streams to come still play on
+// them. False when the table has no such handle.
 bool removeFont(FontTable& table, FontHandle handle);
+// The font parsed from the file and still alive, or null.
+SoundFontRef parsedFont(FontTable& table, const std::string& key);
 // The loaded fonts that the records name, in their order; false when one names none.
 bool chooseFonts(const FontTable& table, const MidiFontRecord* records, int count,
                  std::vector<FontEntry>& chosen);

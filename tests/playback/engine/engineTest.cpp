@@ -263,11 +263,29 @@ TEST_F(Channels, AMidiStreamIsSilentWithoutAFontAndNewOnesTakeTheDefaultFont) {
     EXPECT_EQ(got[0].font, font);
     channelPlay(song);
     EXPECT_GT(peak(nullOutputPull(44100)), 0.01f);
-    // Freed while the stream plays: the stream keeps what it renders from.
+    // Freed while the stream plays: the stream keeps what it renders from, and the default list
+    // keeps it for the streams to come.
     EXPECT_TRUE(midiFontFree(font));
+    EXPECT_GT(peak(nullOutputPull(44100)), 0.01f);
+    ASSERT_TRUE(streamFree(song));
+    song = streamCreateFile(path("a.mid"));
+    channelPlay(song);
+    EXPECT_EQ(midiStreamGetFonts(song, nullptr, 0), 1);
     EXPECT_GT(peak(nullOutputPull(44100)), 0.01f);
     MidiFontRecord record{font, -1, 0};
     EXPECT_FALSE(midiStreamSetFonts(streamCreateFile(sine("a.flac", 1.0)), &record, 1));
+}
+
+// A second open of a file shares the parse of the first, for as long as anything holds it.
+TEST_F(Channels, ASecondOpenOfAFontSharesTheFirstUntilNothingHoldsIt) {
+    std::string copy = path("copy.sf2");
+    std::filesystem::copy_file(timidityFont, copy);
+    FontHandle first = midiFontInit(copy);
+    std::filesystem::remove(copy);
+    FontHandle second = midiFontInit(copy);
+    EXPECT_TRUE(first != 0 && second != 0 && second != first);
+    EXPECT_TRUE(midiFontFree(first) && midiFontFree(second));
+    logOf([&] { EXPECT_EQ(midiFontInit(copy), 0u); });
 }
 
 // Every decoder's refusals, through the calls the player makes: the zero handle, the decoder's

@@ -1,5 +1,7 @@
 #include "playback/engine/engineFixture.h"
 
+#include <filesystem>
+
 namespace {
 
 // A seek lands on the frame asked for; the notes after it may come up to two of FluidSynth's
@@ -138,6 +140,39 @@ TEST(MidiFonts, AFontSetMidStreamIsHeardFromTheNextNotesOnAndClearingItSilencesT
         EXPECT_GT(peak(render(*decoder, engineRate)), 0.05f) << "second " << second;
     decoder->setFonts({});
     EXPECT_EQ(peak(render(*decoder, engineRate)), 0.0f);
+}
+
+// A change to the same font from another file: a note held across it rings on without a gap, and
+// the notes after it keep their channel's program and drum set, so nothing audible changes.
+TEST(MidiFonts, AFontChangeWhileANoteIsHeldKeepsItSoundingAndKeepsEveryProgram) {
+    TempDir dir;
+    std::string copy = dir.str() + "/copy.sf2";
+    std::filesystem::copy_file(timidityFont, copy);
+    media::MidiSong song;
+    song.programs = {{0, 48}, {1, 33}};
+    song.notes = {{0, 60, 100, 0.0, 3.0},
+                  {0, 67, 100, 1.5, 1.0},
+                  {1, 40, 100, 1.5, 1.0},
+                  {9, 36, 100, 1.5, 0.2}};
+    std::string path = written(dir, "held.mid", song);
+    SoundFontRef font = loadOrFail(timidityFont);
+    std::unique_ptr<MidiDecoder> steady = openOrFail(path, {font});
+    std::unique_ptr<MidiDecoder> changed = openOrFail(path, {font});
+    ASSERT_TRUE(steady && changed);
+    std::vector<float> heard = render(*changed, engineRate);
+    changed->setFonts({loadOrFail(copy)});
+    std::vector<float> after = render(*changed, 2 * engineRate);
+    heard.insert(heard.end(), after.begin(), after.end());
+    std::vector<float> expected = render(*steady, 3 * engineRate);
+    constexpr std::size_t window = engineRate / 100;
+    for (std::size_t at = 2 * window; at + window < 3 * engineRate; at += window) {
+        std::vector<float> part(heard.begin() + 2 * at, heard.begin() + 2 * (at + window));
+        ASSERT_GT(peak(part), 1e-3f) << "silent at frame " << at;
+    }
+    float worst = 0.0f;
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        worst = std::max(worst, std::abs(heard[i] - expected[i]));
+    EXPECT_LT(worst, 1e-4f);
 }
 
 TEST(MidiFonts, TwoStreamsShareAFontAndKeepPlayingWhenItsLastOtherHolderLetsGo) {
