@@ -1,0 +1,221 @@
+#include "playback/engine/engineFixture.h"
+#include "support/icyServer.h"
+
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+namespace {
+
+const std::string icyHead = "ICY 200 OK\r\nicy-name: Test FM\r\nicy-genre:Rock\r\n"
+                            "icy-metaint: 8192\r\ncontent-type: audio/mpeg\r\n\r\n";
+const std::vector<std::string> icyLines = {"ICY 200 OK", "icy-name: Test FM", "icy-genre:Rock",
+                                           "icy-metaint: 8192", "content-type: audio/mpeg"};
+const std::string icecastHead = "HTTP/1.0 200 OK\r\nContent-Type: audio/mpeg\r\n"
+                                "icy-name:Test FM\r\nicy-genre:Rock\r\nicy-pub:1\r\n\r\n";
+const std::vector<std::string> icecastLines = {"HTTP/1.0 200 OK", "Content-Type: audio/mpeg",
+                                               "icy-name:Test FM", "icy-genre:Rock", "icy-pub:1"};
+const std::string plainHead = "HTTP/1.1 200 OK\r\nContent-Type: audio/mpeg\r\n\r\n";
+const std::string firstTitle = streamTitle("Artist - One");
+const std::string secondTitle = streamTitle("Artist - Two", "http://example.org/");
+constexpr std::size_t oneSecond = 24000; // of MP3 at 192 kbit/s, as tools/media makes it
+
+// A zero-separated list up to its empty string.
+std::vector<std::string> tagLines(const char* tags) {
+    std::vector<std::string> lines;
+    for (; tags && *tags; tags += lines.back().size() + 1)
+        lines.emplace_back(tags);
+    return lines;
+}
+
+int crossings(const std::vector<float>& stereo) {
+    int count = 0;
+    for (std::size_t i = 2; i < stereo.size(); i += 2)
+        count += (stereo[i - 2] < 0) != (stereo[i] < 0);
+    return count;
+}
+
+class UrlStreams : public NullEngine {
+  protected:
+    void SetUp() override {
+        NullEngine::SetUp();
+        media::SineSpec spec{440.0, 4.0, 44100, 2, 0.5};
+        // Frames only: a station sends no tag or header frame in the middle of its stream.
+        std::string mp3 = media::writeEncodedSine(path("sine.mp3"), spec,
+                                                  {"-write_xing", "0", "-id3v2_version", "0"});
+        ASSERT_FALSE(mp3.empty());
+        std::ifstream in(mp3, std::ios::binary);
+        std::ostringstream bytes;
+        bytes << in.rdbuf();
+        audio = bytes.str();
+    }
+
+    StationReply station(const std::string& head, std::size_t metaInterval = 0) const {
+        // The first title outlasts what the reader buffers ahead (256 KiB), so that it is still
+        // the newest at creation however fast the loopback is.
+        return StationReply{head, audio, metaInterval, {firstTitle, secondTitle}, 40};
+    }
+
+    std::string audio;
+};
+
+// Creates a stream and captures its log; the handle is 0 on failure.
+ChannelHandle create(const std::string& url, std::string& log, bool probe = false) {
+    ChannelHandle handle = 0;
+    log = logOf([&] { handle = streamCreateUrl(url, probe); });
+    return handle;
+}
+
+TEST_F(UrlStreams, EachStationOpensOrFailsAsItAnswers) {
+    StationReply silent;
+    silent.silent = true;
+    StationReply headOnly{plainHead, "", 0, {}, 4, 0, false};
+    StationReply html{"HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n",
+                      "<html><body>Not a station</body></html>",
+                      0,
+                      {},
+                      4,
+                      40};
+    StationReply moved{"HTTP/1.1 302 Found\r\nLocation: /a\r\nContent-Length: 0\r\n"
+                       "Connection: close\r\n\r\n",
+                       "",
+                       0,
+                       {}};
+    IcyServer server({{"/a", station(icyHead, 8192)},
+                      {"/b", station(icecastHead)},
+                      {"/c", station(plainHead)},
+                      {"/d", silent},
+                      {"/e", headOnly},
+                      {"/f", station("GARBAGE FOR A STATUS LINE\r\n\r\n")},
+                      {"/g", html},
+                      {"/h", moved}});
+    struct Case {
+        std::string url;
+        EngineError error; // Ok: it opens
+        std::vector<std::string> icy;
+        std::vector<std::string> http;
+    };
+    const Case cases[] = {
+        {server.url("/a"), EngineError::Ok, icyLines, {}},
+        {server.url("/b"), EngineError::Ok, {}, icecastLines},
+        {server.url("/c"), EngineError::Ok, {}, {"HTTP/1.1 200 OK", "Content-Type: audio/mpeg"}},
+        {server.url("/h"), EngineError::Ok, icyLines, {}}, // the final answer's headers only
+        {server.url("/d"), EngineError::Timeout, {}, {}},
+        {server.url("/e"), EngineError::Timeout, {}, {}},
+        {server.url("/f"), EngineError::FileOpen, {}, {}},
+        {server.url("/g"), EngineError::FileFormat, {}, {}},
+        {server.url("/j"), EngineError::FileOpen, {}, {}}, // 404
+        {"", EngineError::FileOpen, {}, {}},
+        {"hello", EngineError::FileOpen, {}, {}},
+        {"file:///etc/passwd", EngineError::FileOpen, {}, {}},
+        {"ftp://127.0.0.1/x", EngineError::FileOpen, {}, {}},
+        {"http://127.0.0.1:1/", EngineError::FileOpen, {}, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.url);
+        std::string log;
+        ChannelHandle handle = create(c.url, log);
+        EXPECT_EQ(engineErrorCode(), c.error);
+        if (c.error != EngineError::Ok) {
+            EXPECT_EQ(handle, 0u);
+            EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1) << log;
+            EXPECT_NE(log.find(c.url), std::string::npos) << log;
+            continue;
+        }
+        ASSERT_NE(handle, 0u) << log;
+        EXPECT_EQ(tagLines(channelGetTags(handle, TagKind::Icy)), c.icy);
+        EXPECT_EQ(tagLines(channelGetTags(handle, TagKind::Http)), c.http);
+        EXPECT_EQ(channelGetTags(handle, c.icy.empty() ? TagKind::Icy : TagKind::Http), nullptr);
+        EXPECT_EQ(channelGetLength(handle), noPosition);
+        EXPECT_EQ(engineErrorCode(), EngineError::Ok);
+        EXPECT_FALSE(channelSetPosition(handle, 0));
+        EXPECT_TRUE(streamFree(handle));
+    }
+    EXPECT_NE(server.requests().front().find("\r\nIcy-MetaData: 1\r\n"), std::string::npos);
+}
+
+TEST_F(UrlStreams, StationPlaysItsSineAndItsTitlesChange) {
+    IcyServer server({{"/a", station(icyHead, 8192)}});
+    std::string log;
+    ChannelHandle handle = create(server.url("/a"), log);
+    ASSERT_NE(handle, 0u) << log;
+    EXPECT_EQ(std::string(channelGetTags(handle, TagKind::Meta)), firstTitle);
+    ASSERT_TRUE(channelPlay(handle));
+    nullOutputPull(engineRate);
+    std::vector<float> heard = nullOutputPull(engineRate / 2);
+    EXPECT_NEAR(peak(heard), 0.5f, 0.05f);
+    EXPECT_NEAR(crossings(heard), 440, 6);
+    EXPECT_EQ(channelGetPosition(handle), frameBytes(1.5));
+    std::string meta;
+    for (int pulls = 0; pulls < 20 && meta != secondTitle; ++pulls) {
+        nullOutputPull(engineRate / 2);
+        meta = channelGetTags(handle, TagKind::Meta);
+    }
+    EXPECT_EQ(meta, secondTitle);
+    EXPECT_EQ(channelIsActive(handle), ChannelState::Playing);
+}
+
+// A stream that ends mid-play says why once and stops after the audio it had.
+TEST_F(UrlStreams, StationThatEndsStopsOnceItsBufferIsPlayed) {
+    StationReply closes = station(plainHead);
+    closes.audioLimit = oneSecond;
+    StationReply goesSilent = closes;
+    goesSilent.closeAtLimit = false;
+    IcyServer server({{"/closes", closes}, {"/silent", goesSilent}});
+    const std::pair<std::string, std::string> cases[] = {
+        {"/closes", "the server closed the connection"}, {"/silent", "nothing came for 5 seconds"}};
+    for (const auto& [path, reason] : cases) {
+        SCOPED_TRACE(path);
+        ChannelHandle handle = 0;
+        std::string log = logOf([&] {
+            handle = streamCreateUrl(server.url(path));
+            channelPlay(handle);
+            for (int pulls = 0; pulls < 20 && channelIsActive(handle) == ChannelState::Playing;
+                 ++pulls)
+                nullOutputPull(engineRate / 2);
+        });
+        EXPECT_EQ(channelIsActive(handle), ChannelState::Stopped);
+        EXPECT_EQ(log, "Internet stream " + server.url(path) + " ends: " + reason + "\n");
+        EXPECT_NEAR(channelBytesToSeconds(handle, channelGetPosition(handle)), 1.0, 0.1);
+        EXPECT_TRUE(streamFree(handle));
+    }
+}
+
+// Neither a free of a stream whose server went silent nor a shutdown during a connect waits for
+// the server: the test would hang otherwise.
+TEST_F(UrlStreams, FreesDoNotWaitForASilentServer) {
+    StationReply silentAfter = station(plainHead);
+    silentAfter.audioLimit = oneSecond / 2;
+    silentAfter.closeAtLimit = false;
+    StationReply silent;
+    silent.silent = true;
+    IcyServer server({{"/quiet", silentAfter}, {"/d", silent}});
+    std::string log;
+    ChannelHandle playing = create(server.url("/quiet"), log);
+    ASSERT_NE(playing, 0u) << log;
+    ASSERT_TRUE(channelPlay(playing));
+    nullOutputPull(engineRate / 4);
+    EXPECT_TRUE(streamFree(playing));
+
+    ChannelHandle connecting = 1;
+    std::thread creator([&] { connecting = streamCreateUrl(server.url("/d")); });
+    while (server.requests().size() < 2)
+        std::this_thread::yield();
+    EXPECT_TRUE(engineFree());
+    creator.join();
+    EXPECT_EQ(connecting, 0u);
+}
+
+TEST_F(UrlStreams, ProbeKeepsTheTagsAndPlaysNothing) {
+    IcyServer server({{"/a", station(icyHead, 8192)}});
+    std::string log;
+    ChannelHandle probe = create(server.url("/a"), log, true);
+    ASSERT_NE(probe, 0u) << log;
+    EXPECT_EQ(tagLines(channelGetTags(probe, TagKind::Icy)), icyLines);
+    EXPECT_EQ(std::string(channelGetTags(probe, TagKind::Meta)), firstTitle);
+    channelPlay(probe);
+    EXPECT_EQ(peak(nullOutputPull(engineRate / 4)), 0.0f);
+    EXPECT_TRUE(streamFree(probe));
+}
+
+} // namespace
