@@ -279,8 +279,8 @@ void logRefusal(const std::string& url, const std::string& why) {
 
 } // namespace
 
-std::shared_ptr<CurlReader> CurlReader::start(const std::string& url, Clock::time_point deadline,
-                                              DecodeThreads& threads, EngineError& error) {
+std::shared_ptr<CurlReader> CurlReader::make(const std::string& url, Clock::time_point deadline,
+                                             EngineError& error) {
     if (!httpOrHttps(url)) {
         logRefusal(url, "only http and https are played");
         error = EngineError::FileOpen;
@@ -294,12 +294,15 @@ std::shared_ptr<CurlReader> CurlReader::start(const std::string& url, Clock::tim
         return nullptr;
     }
     configure(s, url, deadline);
+    return reader;
+}
+
+void CurlReader::start(DecodeThreads& threads) {
     threads.started();
-    std::thread([reader, &threads] {
-        reader->run();
+    std::thread([self = shared_from_this(), &threads] {
+        self->run();
         threads.finished();
     }).detach();
-    return reader;
 }
 
 bool CurlReader::waitForAnswer(Clock::time_point deadline, EngineError& error) {
@@ -319,7 +322,7 @@ bool CurlReader::waitForAnswer(Clock::time_point deadline, EngineError& error) {
         return false;
     }
     answer.lines = s.lines;
-    answer.icy = s.lines.front().starts_with("ICY");
+    answer.icy = !s.lines.empty() && s.lines.front().starts_with("ICY");
     answer.contentType = asciiLower(headerValue(s.lines, "content-type"));
     error = EngineError::Ok;
     return true;

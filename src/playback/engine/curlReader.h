@@ -31,17 +31,19 @@ struct StationAnswer {
 // into a bounded buffer that the stream's decoder empties. Shared by the creating call, the
 // channel and the decoder's I/O; the thread ends by itself after stop(), the server's end or 5 s
 // without a byte, and counts as one of the engine's threads until then.
-class CurlReader {
+class CurlReader : public std::enable_shared_from_this<CurlReader> {
   public:
     explicit CurlReader(std::string url);
     ~CurlReader();
     CurlReader(const CurlReader&) = delete;
     CurlReader& operator=(const CurlReader&) = delete;
 
-    // Starts the thread, which connects by `deadline`. Null after one log line naming the URL,
-    // with error set, when the URL is refused or libcurl cannot start.
-    static std::shared_ptr<CurlReader> start(const std::string& url, Clock::time_point deadline,
-                                             DecodeThreads& threads, EngineError& error);
+    // A reader set up to connect by `deadline`. Null after one log line naming the URL, with
+    // error set, when the URL is refused or libcurl cannot start.
+    static std::shared_ptr<CurlReader> make(const std::string& url, Clock::time_point deadline,
+                                            EngineError& error);
+    // Starts the reader thread, which counts among `threads` until it ends.
+    void start(DecodeThreads& threads);
     // Waits until the final answer's headers are in (true, `answer` filled), or it failed, was
     // stopped or `deadline` passed (false after one log line naming the URL, error set, the
     // reader stopped).

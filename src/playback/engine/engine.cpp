@@ -206,6 +206,7 @@ ProbedFile connectAndProbe(Engine& e, const std::shared_ptr<CurlReader>& reader,
         std::lock_guard lock(e.connectingLock);
         e.connecting.push_back(reader);
     }
+    reader->start(e.decodeThreads); // after it can be stopped by a shutdown
     ProbedFile probed;
     if (reader->waitForAnswer(deadline, error))
         probed = probeUrlAudio(reader, deadline, probe, aacLoaded, error);
@@ -302,7 +303,7 @@ ChannelHandle streamCreateUrl(const std::string& url, bool probe) {
         aacLoaded = e.roles.count("aac") > 0;
     }
     EngineError error = EngineError::Ok;
-    std::shared_ptr<CurlReader> reader = CurlReader::start(url, deadline, e.decodeThreads, error);
+    std::shared_ptr<CurlReader> reader = CurlReader::make(url, deadline, error);
     if (!reader)
         return fail(error, ChannelHandle{0});
     ProbedFile probed = connectAndProbe(e, reader, deadline, probe, aacLoaded, error);

@@ -19,7 +19,7 @@ using IoPtr = std::unique_ptr<AVIOContext, FreeIo>;
 
 constexpr int ioBufferSize = 16 * 1024;
 // A station's first bytes tell its format; reading more would only delay the start.
-constexpr std::int64_t probeBytes = 64 * 1024;
+constexpr std::int64_t probeBytes = 8 * 1024;
 constexpr std::int64_t analyzeMicroseconds = 500'000;
 
 // FFmpeg's read callback: the reader waits for bytes, up to the creation's deadline while the
