@@ -25,22 +25,13 @@ std::string metaBlock(const std::string& text, bool changed) {
 
 // The next `size` bytes of `audio` played in a loop, from `offset` on.
 std::string loopedSlice(const std::string& audio, std::size_t offset, std::size_t size) {
-    std::string out;
-    while (out.size() < size) {
-        std::size_t at = (offset + out.size()) % audio.size();
-        out += audio.substr(at, size - out.size());
-    }
+    std::string out(size, '\0');
+    for (std::size_t i = 0; i < size; ++i)
+        out[i] = audio[(offset + i) % audio.size()];
     return out;
 }
 
 } // namespace
-
-std::string streamTitle(const std::string& title, const std::string& streamUrl) {
-    std::string text = "StreamTitle='" + title + "';";
-    if (!streamUrl.empty())
-        text += "StreamUrl='" + streamUrl + "';";
-    return text;
-}
 
 IcyServer::IcyServer(std::map<std::string, StationReply> replies) : replies_(std::move(replies)) {
     listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -101,11 +92,6 @@ bool IcyServer::sendAll(int socket, const std::string& bytes) {
     return sent == bytes.size();
 }
 
-void IcyServer::holdOpen() {
-    while (!stopping_)
-        std::this_thread::sleep_for(std::chrono::milliseconds(pollMs));
-}
-
 void IcyServer::serve(int socket) {
     std::string request;
     char buffer[4096];
@@ -118,21 +104,24 @@ void IcyServer::serve(int socket) {
             return;
         request.append(buffer, static_cast<std::size_t>(n));
     }
-    std::string path = request.substr(0, request.find("\r\n"));
     {
         std::lock_guard lock(lock_);
         requests_.push_back(request);
     }
-    path = path.substr(path.find(' ') + 1);
-    path = path.substr(0, path.find(' '));
+    std::string path = request.substr(4, request.find(' ', 4) - 4); // "GET /path HTTP/1.1"
     auto found = replies_.find(path);
     if (found == replies_.end()) {
         sendAll(socket, "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
         return;
     }
     const StationReply& reply = found->second;
-    if (reply.silent || !sendAll(socket, reply.head))
-        return holdOpen();
+    if (!reply.silent && sendAll(socket, reply.head))
+        sendAudio(socket, reply);
+    while ((reply.silent || !reply.closeAtLimit) && !stopping_) // silent until the test ends
+        std::this_thread::sleep_for(std::chrono::milliseconds(pollMs));
+}
+
+void IcyServer::sendAudio(int socket, const StationReply& reply) {
     std::size_t sent = 0, blocks = 0;
     std::string lastTitle;
     while (!stopping_ && !reply.audio.empty()) {
@@ -140,21 +129,17 @@ void IcyServer::serve(int socket) {
         if (reply.audioLimit)
             chunk = std::min(chunk, reply.audioLimit - sent);
         if (!sendAll(socket, loopedSlice(reply.audio, sent, chunk)))
-            return;
+            break;
         sent += chunk;
         if (reply.audioLimit && sent >= reply.audioLimit)
             break;
         if (reply.metaInterval) {
-            std::string title =
-                reply.titles.empty()
-                    ? std::string()
-                    : reply.titles[blocks / reply.blocksPerTitle % reply.titles.size()];
+            const std::string& title =
+                reply.titles[blocks / reply.blocksPerTitle % reply.titles.size()];
             if (!sendAll(socket, metaBlock(title, title != lastTitle)))
-                return;
+                break;
             lastTitle = title;
             ++blocks;
         }
     }
-    if (!reply.closeAtLimit)
-        holdOpen();
 }

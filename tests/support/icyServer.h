@@ -12,7 +12,8 @@ struct StationReply {
     std::string head;  // status line and header lines, each ended by "\r\n"; the blank line too
     std::string audio; // sent after the head, over and over
     std::size_t metaInterval = 0;    // a metadata block after every so many audio bytes; 0: none
-    std::vector<std::string> titles; // metadata texts in turn, each for `blocksPerTitle` blocks
+    std::vector<std::string> titles; // metadata in turn, each for `blocksPerTitle` blocks; not
+                                     // empty where there is an interval
     std::size_t blocksPerTitle = 4;
     std::size_t audioLimit = 0; // audio bytes in all, then the end below; 0: no end
     bool closeAtLimit = true;   // else the connection stays open and silent
@@ -37,7 +38,7 @@ class IcyServer {
     void acceptLoop();
     void serve(int socket);
     bool sendAll(int socket, const std::string& bytes);
-    void holdOpen();
+    void sendAudio(int socket, const StationReply& reply);
 
     std::map<std::string, StationReply> replies_;
     int listener_ = -1;
@@ -48,6 +49,3 @@ class IcyServer {
     std::vector<std::thread> connections_;
     std::thread acceptor_;
 };
-
-// "StreamTitle='...';" as a station sends it, padded to whole blocks by the server.
-std::string streamTitle(const std::string& title, const std::string& streamUrl = "");

@@ -246,18 +246,17 @@ void CurlReader::run() {
         curl_multi_poll(multi, nullptr, 0, 500, nullptr);
     }
     curl_multi_remove_handle(multi, s.easy.get());
-    bool playing = false;
     {
         std::lock_guard lock(s.lock);
         failLocked(s, s.headersDone ? reason : "no answer with status 200: " + reason,
                    EngineError::FileOpen);
-        playing = s.handedOver && !s.stopped.load();
+        // Before the decoder can see the end, so that the line comes before the channel stops.
+        if (s.handedOver && !s.stopped.load())
+            logOut("Internet stream %s ends: %s\n", url.c_str(), reason.c_str());
         s.endReason = reason;
         s.finished = true;
     }
     s.changed.notify_all();
-    if (playing)
-        logOut("Internet stream %s ends: %s\n", url.c_str(), reason.c_str());
 }
 
 void CurlReader::handOver() {
