@@ -1,16 +1,29 @@
 #include "support/icyServer.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
+#include <cerrno>
 #include <chrono>
 #include <netinet/in.h>
-#include <poll.h>
 #include <stdexcept>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int pollMs = 50;
+
+// Every wait of a socket ends after pollMs, so that its thread sees the server stopping.
+void setTimeouts(int socket) {
+    timeval wait{0, pollMs * 1000};
+    ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
+    ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &wait, sizeof wait);
+}
+
+bool timedOut() {
+    return errno == EAGAIN || errno == EWOULDBLOCK;
+}
 
 // The length byte and the text padded with zero bytes to a multiple of 16; L 0 when unchanged.
 std::string metaBlock(const std::string& text, bool changed) {
@@ -44,6 +57,7 @@ IcyServer::IcyServer(std::map<std::string, StationReply> replies) : replies_(std
         ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &length) != 0)
         throw std::runtime_error("the test station cannot listen");
     port_ = ntohs(address.sin_port);
+    setTimeouts(listener_);
     acceptor_ = std::thread([this] { acceptLoop(); });
 }
 
@@ -66,28 +80,24 @@ std::vector<std::string> IcyServer::requests() const {
 
 void IcyServer::acceptLoop() {
     while (!stopping_) {
-        pollfd waiting{listener_, POLLIN, 0};
-        if (::poll(&waiting, 1, pollMs) <= 0)
-            continue;
         int socket = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-        if (socket >= 0)
-            connections_.emplace_back([this, socket] {
-                serve(socket);
-                ::close(socket);
-            });
+        if (socket < 0)
+            continue;
+        setTimeouts(socket);
+        connections_.emplace_back([this, socket] {
+            serve(socket);
+            ::close(socket);
+        });
     }
 }
 
 bool IcyServer::sendAll(int socket, const std::string& bytes) {
     std::size_t sent = 0;
     while (sent < bytes.size() && !stopping_) {
-        pollfd writable{socket, POLLOUT, 0};
-        if (::poll(&writable, 1, pollMs) <= 0)
-            continue;
         ssize_t n = ::send(socket, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-        if (n <= 0)
+        if (n <= 0 && !timedOut())
             return false;
-        sent += static_cast<std::size_t>(n);
+        sent += static_cast<std::size_t>(std::max<ssize_t>(n, 0));
     }
     return sent == bytes.size();
 }
@@ -96,13 +106,10 @@ void IcyServer::serve(int socket) {
     std::string request;
     char buffer[4096];
     while (request.find("\r\n\r\n") == std::string::npos && !stopping_) {
-        pollfd readable{socket, POLLIN, 0};
-        if (::poll(&readable, 1, pollMs) <= 0)
-            continue;
         ssize_t n = ::recv(socket, buffer, sizeof buffer, 0);
-        if (n <= 0)
+        if (n == 0 || (n < 0 && !timedOut()))
             return;
-        request.append(buffer, static_cast<std::size_t>(n));
+        request.append(buffer, static_cast<std::size_t>(std::max<ssize_t>(n, 0)));
     }
     {
         std::lock_guard lock(lock_);
