@@ -69,12 +69,18 @@ const char* const* codecArgsFor(const std::string& extension) {
     static constexpr const char* mp3[] = {"-c:a", "libmp3lame", "-b:a", "192k", nullptr};
     static constexpr const char* m4a[] = {"-c:a", "aac", "-b:a", "160k", nullptr};
     static constexpr const char* flac[] = {"-c:a", "flac", nullptr};
+    static constexpr const char* adts[] = {"-c:a", "aac", "-b:a", "160k", "-f", "adts", nullptr};
+    static constexpr const char* vorbis[] = {"-c:a", "libvorbis", "-q:a", "5", nullptr};
     if (extension == ".mp3")
         return mp3;
     if (extension == ".m4a")
         return m4a;
     if (extension == ".flac")
         return flac;
+    if (extension == ".aac")
+        return adts;
+    if (extension == ".ogg")
+        return vorbis;
     return nullptr;
 }
 

@@ -25,7 +25,8 @@ std::string writeMusicWav(const std::string& path, double seconds, int rate, int
                           std::uint32_t seed);
 
 // Encodes a WAV into the format that outPath's extension names (.mp3 with LAME, .m4a with
-// FFmpeg's AAC, .flac); extraArgs go just before the output (e.g. "-write_xing", "0").
+// FFmpeg's AAC, .aac the same as ADTS, .flac, .ogg Vorbis); extraArgs go just before the output
+// (e.g. "-write_xing", "0").
 std::string encodeAudio(const std::string& wavPath, const std::string& outPath,
                         const std::vector<std::string>& extraArgs = {});
 

@@ -1,5 +1,7 @@
 #include "playback/engine/channel.h"
 
+#include "playback/engine/curlReader.h"
+
 #include <thread>
 
 namespace {
@@ -49,7 +51,8 @@ Channel::Channel(ProbedFile probed, bool loopsAtEnd, std::string file, bool take
                  std::vector<SoundFontRef> firstFonts)
     : loops(loopsAtEnd), midi(takesFonts), lengthFrames(probed.facts.lengthFrames),
       sourceRate(probed.facts.sourceRate), sourceChannels(probed.facts.sourceChannels),
-      path(std::move(file)), opener_(std::move(probed.opener)), scratch_(chunkFrames * 2) {
+      path(std::move(file)), reader(std::move(probed.reader)), opener_(std::move(probed.opener)),
+      scratch_(chunkFrames * 2) {
     if (midi)
         askedFonts_ = std::move(firstFonts);
 }
@@ -69,6 +72,8 @@ std::shared_ptr<Channel> Channel::start(ProbedFile probed, bool loops, std::stri
 
 void Channel::stop() {
     quit_.store(true, std::memory_order_release);
+    if (reader)
+        reader->stop(); // its decoder may wait in a read
     wakeDecoder();
     signalProgress(); // a waiter for its audio must not wait for a decoder that quits
 }

@@ -112,6 +112,8 @@ struct Channel {
     const int sourceRate;
     const int sourceChannels;
     const std::string path;
+    // An internet stream's reader: its tags, and its wait for bytes that a stop must end.
+    const std::shared_ptr<CurlReader> reader;
     std::vector<FontHandle> fonts; // as set through the engine, for get-fonts
 
     // --- The mixer's side (the audio callback, or the null output under its lock).

@@ -1,6 +1,7 @@
 #pragma once
 #include "playback/engine/engineError.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -58,15 +59,26 @@ class SourceOpener {
                                           EngineError& error) = 0;
 };
 
-// A file read only as far as its facts need; the opener is null on failure.
+class CurlReader;
+
+// A file read only as far as its facts need; the opener is null on failure. An internet stream
+// also brings its reader, which the opener's I/O reads from, so it is declared to outlive it.
 struct ProbedFile {
     SourceFacts facts;
+    std::shared_ptr<CurlReader> reader;
     std::unique_ptr<SourceOpener> opener;
 };
 
 // On the calling thread, quick: each fails with error set, after one log line naming the path,
 // for a file that cannot be read or is not of its kind.
 ProbedFile probeFfmpegFile(const std::string& path, EngineError& error);
+// The audio of a connected station, probed on the calling thread until `deadline`: a format from
+// its Content-Type, else FFmpeg's guess from its first bytes. MP3, Ogg Vorbis, and ADTS AAC when
+// aacLoaded. probeOnly: the opener plays nothing, and the reader is stopped once the audio was
+// recognised. Fails as the file probes do, naming the URL.
+ProbedFile probeUrlAudio(std::shared_ptr<CurlReader> reader,
+                         std::chrono::steady_clock::time_point deadline, bool probeOnly,
+                         bool aacLoaded, EngineError& error);
 // libopenmpt's prescan gives the length, on the pattern data only.
 ProbedFile probeModuleFile(const std::string& path, EngineError& error);
 // The file's tempo map gives the length; the synthesiser is left to the opener.

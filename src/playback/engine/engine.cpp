@@ -1,6 +1,7 @@
 #include "playback/engine/engine.h"
 
 #include "playback/engine/channel.h"
+#include "playback/engine/curlReader.h"
 #include "playback/engine/decoderRoles.h"
 #include "playback/engine/fontTable.h"
 #include "playback/engine/mixer.h"
@@ -46,6 +47,11 @@ struct Engine {
     DecodeThreads decodeThreads;
     std::uint32_t epoch = 0;  // counts the inits: a font parsed across a free is not handed out
     int setFontsFailures = 0; // a test's order: the next stream font changes fail
+    bool networkStarted = false;
+    // Stations being probed, outside the lifecycle lock: a shutdown stops their readers, so that
+    // it never waits on a server.
+    std::mutex connectingLock;
+    std::vector<std::shared_ptr<CurlReader>> connecting;
 
     ~Engine() { shutDownLocked(); }
     void shutDownLocked();
@@ -109,6 +115,11 @@ void Engine::shutDownLocked() {
         std::lock_guard lock(slots[i].control);
         if (slots[i].channel)
             detachLocked(slots[i], i);
+    }
+    {
+        std::lock_guard lock(connectingLock);
+        for (const std::shared_ptr<CurlReader>& reader : connecting)
+            reader->stop();
     }
     decodeThreads.waitForAll(); // no decoder outlives the engine's fonts and output
     output.reset();
@@ -190,6 +201,33 @@ std::uint64_t msToFrames(int milliseconds) {
     return milliseconds <= 0 ? 0 : static_cast<std::uint64_t>(milliseconds) * engineRate / 1000;
 }
 
+constexpr auto urlDeadline = std::chrono::seconds(5);
+
+ProbedFile connectAndProbe(Engine& e, const std::shared_ptr<CurlReader>& reader,
+                           Clock::time_point deadline, bool probe, bool aacLoaded,
+                           EngineError& error) {
+    {
+        std::lock_guard lock(e.connectingLock);
+        e.connecting.push_back(reader);
+    }
+    reader->start(e.decodeThreads); // after it can be stopped by a shutdown
+    ProbedFile probed;
+    if (reader->waitForAnswer(deadline, error))
+        probed = probeUrlAudio(reader, deadline, probe, aacLoaded, error);
+    std::lock_guard lock(e.connectingLock);
+    std::erase(e.connecting, reader);
+    return probed;
+}
+
+// Header lines as a list of zero-ended strings with an empty one last.
+void joinLines(const std::vector<std::string>& lines, std::string& out) {
+    out.clear();
+    for (const std::string& line : lines) {
+        out += line;
+        out += '\0';
+    }
+}
+
 } // namespace
 
 // --- Set-up.
@@ -219,6 +257,8 @@ bool engineInit(AudioOutput kind) {
     e.output = kind == AudioOutput::Null ? openNullOutput() : openDeviceOutput(e.mixer, error);
     if (!e.output)
         return fail(error, false);
+    if (!e.networkStarted)
+        e.networkStarted = startNetwork();
     e.decodeThreads.started();
     std::thread([&threads = e.decodeThreads] {
         warmUpModuleLoader();
@@ -253,11 +293,34 @@ ChannelHandle streamCreateFile(const std::string& path) {
     return createChannel(path, false);
 }
 
-ChannelHandle streamCreateUrl(const std::string&) {
-    std::lock_guard lock(engine().lifecycle);
-    if (!engine().initialized)
+// The network waits happen outside every lock, so that no other call, free or shutdown waits on
+// a server; one deadline covers the lookup, the connect, the headers and the probe.
+ChannelHandle streamCreateUrl(const std::string& url, bool probe) {
+    Engine& e = engine();
+    const auto deadline = Clock::now() + urlDeadline;
+    bool aacLoaded = false;
+    {
+        std::lock_guard lock(e.lifecycle);
+        if (!e.initialized)
+            return fail(EngineError::Init, ChannelHandle{0});
+        if (!e.networkStarted)
+            return fail(EngineError::NotAvailable, ChannelHandle{0});
+        aacLoaded = e.roles.count("aac") > 0;
+    }
+    EngineError error = EngineError::Ok;
+    std::shared_ptr<CurlReader> reader = CurlReader::make(url, deadline, error);
+    if (!reader)
+        return fail(error, ChannelHandle{0});
+    ProbedFile probed = connectAndProbe(e, reader, deadline, probe, aacLoaded, error);
+    if (!probed.opener)
+        return fail(error, ChannelHandle{0});
+    std::lock_guard lock(e.lifecycle);
+    if (!e.initialized) {
+        reader->stop();
         return fail(EngineError::Init, ChannelHandle{0});
-    return fail(EngineError::NotAvailable, ChannelHandle{0});
+    }
+    return installChannel(
+        Channel::start(std::move(probed), false, url, false, {}, e.decodeThreads));
 }
 
 ChannelHandle musicLoad(const std::string& path) {
@@ -335,8 +398,9 @@ bool channelSlideVolume(ChannelHandle handle, float target, int milliseconds) {
 }
 
 std::uint64_t channelGetLength(ChannelHandle handle) {
-    return withChannel(handle, noPosition,
-                       [](Channel& ch, Slot&) { return succeed(toBytes(ch, ch.lengthFrames)); });
+    return withChannel(handle, noPosition, [](Channel& ch, Slot&) {
+        return succeed(ch.reader ? noPosition : toBytes(ch, ch.lengthFrames));
+    });
 }
 
 std::uint64_t channelGetPosition(ChannelHandle handle) {
@@ -362,6 +426,8 @@ std::uint64_t channelSecondsToBytes(ChannelHandle handle, double seconds) {
 
 bool channelSetPosition(ChannelHandle handle, std::uint64_t bytes) {
     return withChannel(handle, false, [bytes](Channel& ch, Slot&) {
+        if (ch.reader) // a station plays on from where it is
+            return fail(EngineError::NotAvailable, false);
         if (bytes > toBytes(ch, ch.lengthFrames))
             return fail(EngineError::Position, false);
         std::uint64_t frame = std::min(toFrames(ch, bytes), ch.lengthFrames);
@@ -372,9 +438,30 @@ bool channelSetPosition(ChannelHandle handle, std::uint64_t bytes) {
     });
 }
 
-const char* channelGetTags(ChannelHandle handle, TagKind) {
-    return withChannel(handle, static_cast<const char*>(nullptr), [](Channel&, Slot&) {
-        return fail(EngineError::NotAvailable, static_cast<const char*>(nullptr));
+// Each thread gets its own copy of each kind, valid until its next call of that kind, so that
+// the reader thread may change META meanwhile.
+const char* channelGetTags(ChannelHandle handle, TagKind kind) {
+    thread_local std::string copies[3];
+    using Text = const char*;
+    return withChannel(handle, Text{nullptr}, [kind](Channel& ch, Slot&) {
+        if (!ch.reader)
+            return fail(EngineError::NotAvailable, Text{nullptr});
+        const StationAnswer& answer = ch.reader->answer;
+        switch (kind) {
+        case TagKind::Icy:
+        case TagKind::Http: {
+            if (answer.icy != (kind == TagKind::Icy))
+                return fail(EngineError::NotAvailable, Text{nullptr});
+            std::string& copy = copies[kind == TagKind::Icy ? 0 : 1];
+            joinLines(answer.lines, copy);
+            return succeed(copy.c_str());
+        }
+        case TagKind::Meta:
+            if (!ch.reader->meta(copies[2]))
+                return fail(EngineError::NotAvailable, Text{nullptr});
+            return succeed(copies[2].c_str());
+        }
+        return fail(EngineError::IllegalType, Text{nullptr});
     });
 }
 

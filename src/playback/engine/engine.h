@@ -62,8 +62,12 @@ bool engineIsInitialized();
 // its end (Stopped, its position at its length).
 // A stream on a MIDI or MP3-family file; it loops at its end.
 ChannelHandle streamCreateFile(const std::string& path);
-// Internet streams arrive with the stations; until then this fails with NotAvailable.
-ChannelHandle streamCreateUrl(const std::string& url);
+// An internet stream (http or https), connected and its audio recognised before it returns, or
+// 0 after one line naming the URL, within 5 s of the call (Timeout then). It never loops or
+// seeks, its length is all ones, and it ends (Stopped, once its buffer is played) when the
+// server closes or sends nothing for 5 s. probe: the station is only asked for its tags; the
+// channel holds them but never plays.
+ChannelHandle streamCreateUrl(const std::string& url, bool probe = false);
 // A tracker module, length known at once; it stops at its end.
 ChannelHandle musicLoad(const std::string& path);
 // Starts or resumes without rewinding; the channel is heard, and its slides move, from its first

@@ -17,6 +17,7 @@ enum class EngineError : int {
     IllegalParam = 20,
     NotPlaying = 24,
     NotAvailable = 37,
+    Timeout = 40,
     FileFormat = 41,
     Codec = 44,
     Unknown = -1,

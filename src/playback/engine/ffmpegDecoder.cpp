@@ -1,6 +1,7 @@
 // MP3, M4A (AAC), FLAC and anything else FFmpeg opens with an audio stream, resampled to the
 // engine's interleaved stereo float at 44100 Hz.
 #include "playback/engine/decoder.h"
+#include "playback/engine/ffmpegSource.h"
 #include "util/log.h"
 
 extern "C" {
@@ -18,9 +19,6 @@ extern "C" {
 
 namespace {
 
-struct CloseFormat {
-    void operator()(AVFormatContext* c) const { avformat_close_input(&c); }
-};
 struct FreeCodec {
     void operator()(AVCodecContext* c) const { avcodec_free_context(&c); }
 };
@@ -33,7 +31,6 @@ struct FreeFrame {
 struct FreePacket {
     void operator()(AVPacket* p) const { av_packet_free(&p); }
 };
-using FormatPtr = std::unique_ptr<AVFormatContext, CloseFormat>;
 using CodecPtr = std::unique_ptr<AVCodecContext, FreeCodec>;
 using ResamplerPtr = std::unique_ptr<SwrContext, FreeResampler>;
 using FramePtr = std::unique_ptr<AVFrame, FreeFrame>;
@@ -46,14 +43,6 @@ std::string errorText(int code) {
     char text[AV_ERROR_MAX_STRING_SIZE] = {};
     av_strerror(code, text, sizeof text);
     return text;
-}
-
-// FFmpeg's log level is one setting of the whole process, owned by the library rather than by
-// any player state; it is set on the first probe, from whichever thread that is, so that
-// its warnings about damaged frames never drown our own lines and no caller has to remember it.
-void quietFfmpegLog() {
-    static const bool quiet = (av_log_set_level(AV_LOG_ERROR), true);
-    (void)quiet;
 }
 
 std::uint32_t readBe32(const unsigned char* p) {
@@ -527,13 +516,16 @@ class FfmpegOpener final : public SourceOpener {
 
 } // namespace
 
-// avformat_open_input and avformat_find_stream_info: a millisecond or two for a local file, and
-// the only exact way to the rate of an MP3 and to the length of one without a LAME tag.
-ProbedFile probeFfmpegFile(const std::string& path, EngineError& error) {
-    quietFfmpegLog();
-    FormatPtr format = openFormat(path, error);
-    if (!format)
-        return {};
+// FFmpeg's log level is one setting of the whole process, owned by the library rather than by
+// any player state; it is set on the first probe, from whichever thread that is, so that no
+// caller has to remember it.
+void quietFfmpegLog() {
+    static const bool quiet = (av_log_set_level(AV_LOG_ERROR), true);
+    (void)quiet;
+}
+
+ProbedFile describeFfmpegSource(FormatPtr format, const std::string& path, bool live,
+                                EngineError& error) {
     const AVCodec* codec = nullptr;
     int index = av_find_best_stream(format.get(), AVMEDIA_TYPE_AUDIO, -1, -1, &codec, 0);
     if (index < 0) {
@@ -551,11 +543,24 @@ ProbedFile probeFfmpegFile(const std::string& path, EngineError& error) {
     for (unsigned i = 0; i < format->nb_streams; ++i) // cover art and the like are never read
         if (static_cast<int>(i) != index)
             format->streams[i]->discard = AVDISCARD_ALL;
-    Length length = lengthOf(format.get(), stream, path);
+    Length length = live ? Length{} : lengthOf(format.get(), stream, path);
     SourceFacts facts{length.frames, stream->codecpar->sample_rate,
                       stream->codecpar->ch_layout.nb_channels};
     error = EngineError::Ok;
-    return {facts, std::make_unique<FfmpegOpener>(std::move(format), index, codec, length, path)};
+    ProbedFile probed;
+    probed.facts = facts;
+    probed.opener = std::make_unique<FfmpegOpener>(std::move(format), index, codec, length, path);
+    return probed;
+}
+
+// avformat_open_input and avformat_find_stream_info: a millisecond or two for a local file, and
+// the only exact way to the rate of an MP3 and to the length of one without a LAME tag.
+ProbedFile probeFfmpegFile(const std::string& path, EngineError& error) {
+    quietFfmpegLog();
+    FormatPtr format = openFormat(path, error);
+    if (!format)
+        return {};
+    return describeFfmpegSource(std::move(format), path, false, error);
 }
 
 std::unique_ptr<Decoder> openFfmpegDecoder(const std::string& path, EngineError& error) {

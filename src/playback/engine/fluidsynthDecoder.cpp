@@ -419,7 +419,7 @@ ProbedFile probeMidiFile(const std::string& path, EngineError& error) {
     if (!opener)
         return {};
     SourceFacts facts{opener->lengthFrames(), engineRate, 2};
-    return {facts, std::move(opener)};
+    return {facts, nullptr, std::move(opener)};
 }
 
 std::unique_ptr<MidiDecoder> openMidiDecoder(const std::string& path,

@@ -78,8 +78,8 @@ void mixChannel(Channel& ch, float* out, std::size_t frames) {
     }
     if (ch.ended.load(std::memory_order_acquire) &&
         ch.ring.read() >= ch.endIndex.load(std::memory_order_relaxed)) {
-        // A module that played out keeps reporting its length.
-        ch.position.store(ch.lengthFrames, std::memory_order_release);
+        // A module that played out keeps reporting its length; a station has none.
+        ch.position.store(ch.reader ? position : ch.lengthFrames, std::memory_order_release);
         int expected = playing;
         ch.state.compare_exchange_strong(expected, stopped, std::memory_order_acq_rel);
         return;

@@ -204,7 +204,8 @@ ProbedFile probeModuleFile(const std::string& path, EngineError& error) {
     }
     SourceFacts facts{secondsToFrames(seconds), engineRate, 2};
     error = EngineError::Ok;
-    return {facts, std::make_unique<ModuleOpener>(std::move(*bytes), facts.lengthFrames, path)};
+    return {facts, nullptr,
+            std::make_unique<ModuleOpener>(std::move(*bytes), facts.lengthFrames, path)};
 }
 
 void warmUpModuleLoader() {

@@ -357,13 +357,11 @@ TEST_F(Channels, WhatCannotLoadGivesTheZeroHandleItsErrorAndOneLineNamingIt) {
         EXPECT_NE(lastLine.find(c.says), std::string::npos) << log;
         EXPECT_TRUE(c.fluidSynthSpeaksToo || lastLine == log) << log;
     }
-    // A FLAC file without its decoder role, and internet streams, which are not there yet.
+    // A FLAC file without its decoder role.
     std::string flac = sine("a.flac", 1.0);
     pluginFreeAll();
     logOf([&] { EXPECT_EQ(streamCreateFile(flac), 0u); });
     EXPECT_EQ(engineErrorCode(), EngineError::FileFormat);
-    EXPECT_EQ(streamCreateUrl("http://127.0.0.1:9/stream"), 0u);
-    EXPECT_EQ(engineErrorCode(), EngineError::NotAvailable);
     EXPECT_EQ(pluginLoad("bassnothing.dll"), 0u);
 }
 
