@@ -176,6 +176,7 @@ void previousSong(PlayerState& st) {
 }
 
 void afterRepaintTest(PlayerState& st) {
+    noteStationEnd(st);
     if (segmentEndDue(st) || stationRetryDue(st))
         startTransition(st);
 }

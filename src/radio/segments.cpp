@@ -88,11 +88,17 @@ bool segmentEndDue(const RadioState& st) {
     return segmentOver || songOver;
 }
 
+namespace {
+
+bool inRadioMode(const RadioState& st) {
+    return st.stationMode == stationModeRadio || st.stationMode == stationModeTop40 ||
+           st.stationMode == stationModeUndiscovered;
+}
+
+} // namespace
+
 void armStationRetry(RadioState& st, ChannelHandle handle) {
-    const bool radioMode = st.stationMode == stationModeRadio ||
-                           st.stationMode == stationModeTop40 ||
-                           st.stationMode == stationModeUndiscovered;
-    if (!st.onStation || handle != 0 || !radioMode) {
+    if (!st.onStation || handle != 0 || !inRadioMode(st)) {
         st.stationRetryAtMs = -1;
         return;
     }
@@ -102,6 +108,17 @@ void armStationRetry(RadioState& st, ChannelHandle handle) {
     logOut("Station %s did not load: the radio moves on in %lld seconds.\n",
            known ? st.radioStations[st.currentStation].url.c_str() : "(none)",
            static_cast<long long>(stationRetryDelayMs / 1000));
+}
+
+void noteStationEnd(RadioState& st) {
+    if (!st.onStation || !inRadioMode(st) || st.stationRetryAtMs >= 0 || st.activeHandle == 0 ||
+        channelIsActive(st.activeHandle) != ChannelState::Stopped)
+        return;
+    const double left = std::max(0.0, st.segmentEnd - st.positionSeconds);
+    st.stationRetryAtMs = playerClockMs(st) + static_cast<std::int64_t>(left * 1000.0);
+    logOut("The station has ended: the radio moves on at the end of its segment, in %.0f "
+           "seconds.\n",
+           left);
 }
 
 bool stationRetryDue(RadioState& st) {

@@ -35,7 +35,10 @@ bool segmentEndDue(const RadioState& st);
 // a radio that runs unattended. Any other load clears the wait.
 constexpr std::int64_t stationRetryDelayMs = 3000;
 void armStationRetry(RadioState& st, ChannelHandle handle);
-// True once, when the wait of a failed station is over.
+// A station whose stream ended while it played in a radio mode: its position stands still, so
+// the radio moves on by the clock when the segment would have ended.
+void noteStationEnd(RadioState& st);
+// True once, when the wait of a failed or ended station is over.
 bool stationRetryDue(RadioState& st);
 
 template <typename Draw> Segment chooseSegment(const SegmentInput& in, Draw&& nextU) {

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Plays a real Icecast station through the real player: tools/local-station on a free port, a
 # library of one short song, the radio's ratio alone. After the song, the station must fade in,
-# and the log must name it and two of its running titles.
+# and the log must name it and two of its running titles. Then the station stops: the player must
+# log the end of its stream, move on when the segment ends, and move on again 3 s after the dead
+# station fails to load.
 # Usage: localStation.sh PLAYER
 set -uo pipefail
 player="$1"
@@ -17,7 +19,8 @@ cleanup() {
 trap cleanup EXIT
 game="$work/game"
 album="$game/HarpTone/Mp3 Songs/Album"
-mkdir -p "$game/data" "$album"
+mkdir -p "$game/data" "$album" "$game/HarpTone/SoundFonts"
+ln -s /usr/share/sounds/sf2/TimGM6mb.sf2 "$game/HarpTone/SoundFonts/TimGM6mb.sf2"
 log="$work/player.log"
 fail() {
     echo "FAIL: $*"
@@ -48,14 +51,14 @@ if ! grep -q "^Station: " "$work/station.log"; then
     fail "tools/local-station did not start (exit $code)"
 fi
 
-ffmpeg -nostdin -loglevel error -f lavfi -i "sine=frequency=660:duration=6" -c:a libmp3lame \
+ffmpeg -nostdin -loglevel error -f lavfi -i "sine=frequency=660:duration=12" -c:a libmp3lame \
     "$album/short_song.mp3" || fail "ffmpeg could not make the song"
 cat >"$game/data/MusicSettings.json" <<EOF
 {
     "directoryPaths": ["$game/HarpTone/Mp3 Songs"],
     "rawFav": 0, "rawMIDI": 0, "rawMP3": 0, "rawRadio": 100, "rawTracker": 0,
-    "songPlayDurationMin": 3, "songPlayDurationMax": 4,
-    "iSongPlayDurationMin": 60, "iSongPlayDurationMax": 60,
+    "songPlayDurationMin": 45, "songPlayDurationMax": 45,
+    "iSongPlayDurationMin": 12, "iSongPlayDurationMax": 12,
     "FADE_DURATION_MS": 1000
 }
 EOF
@@ -66,6 +69,13 @@ pids+=($!)
 titles() { grep -o "Tone number [0-9]*" "$log" | sort -u | wc -l; }
 heard() { grep -q "Local Tone FM" "$log" && [ "$(titles)" -ge 2 ]; }
 waitUpTo 450 heard || fail "the log does not name the station and two of its titles within 45 s"
+
+kill -TERM "${pids[0]}"
+logs() { grep -q "$1" "$log"; }
+waitUpTo 150 logs "Internet stream .* ends" || fail "the end of the stream is not logged"
+waitUpTo 200 logs "The station has ended" || fail "the radio does not see the station end"
+waitUpTo 200 logs "did not load: the radio moves on in 3 seconds" ||
+    fail "the dead station's failed load is not followed by a move on"
 kill -TERM "${pids[1]}"
 wait "${pids[1]}"
 code=$?
