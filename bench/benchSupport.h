@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <functional>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 // Helpers shared by the figure programs: each program prints one row per figure,
@@ -51,5 +53,32 @@ struct CrashWhenAsked {
     }
 };
 inline const CrashWhenAsked crashWhenAsked;
+
+// The player logs every load to its standard output; while this lives that goes to a file, as
+// when the player runs with its output redirected, and the figure's rows stay apart from it.
+class OutputToFile {
+  public:
+    explicit OutputToFile(const std::string& path) {
+        std::fflush(stdout);
+        saved_ = dup(STDOUT_FILENO);
+        int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        if (file >= 0) {
+            dup2(file, STDOUT_FILENO);
+            close(file);
+        }
+    }
+    ~OutputToFile() {
+        std::fflush(stdout);
+        if (saved_ >= 0) {
+            dup2(saved_, STDOUT_FILENO);
+            close(saved_);
+        }
+    }
+    OutputToFile(const OutputToFile&) = delete;
+    OutputToFile& operator=(const OutputToFile&) = delete;
+
+  private:
+    int saved_ = -1;
+};
 
 } // namespace bench

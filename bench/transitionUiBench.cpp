@@ -17,8 +17,6 @@
 #include "support/manualClock.h"
 
 #include <cstdio>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
@@ -36,33 +34,6 @@ constexpr Family families[] = {{"midi", bench::SongKind::Midi},
                                {"flac", bench::SongKind::Flac},
                                {"m4a", bench::SongKind::M4a},
                                {"module", bench::SongKind::Module}};
-
-// The player logs every load to its standard output; while this lives that goes to a file, as
-// when the player runs with its output redirected, and the figure's rows stay apart from it.
-class OutputToFile {
-  public:
-    explicit OutputToFile(const std::string& path) {
-        std::fflush(stdout);
-        saved_ = dup(STDOUT_FILENO);
-        int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        if (file >= 0) {
-            dup2(file, STDOUT_FILENO);
-            close(file);
-        }
-    }
-    ~OutputToFile() {
-        std::fflush(stdout);
-        if (saved_ >= 0) {
-            dup2(saved_, STDOUT_FILENO);
-            close(saved_);
-        }
-    }
-    OutputToFile(const OutputToFile&) = delete;
-    OutputToFile& operator=(const OutputToFile&) = delete;
-
-  private:
-    int saved_ = -1;
-};
 
 bool makeLibrary(PlayerState& st, const std::filesystem::path& folder) {
     for (const Family& family : families) {
@@ -140,7 +111,7 @@ int main(int argc, char** argv) {
     std::vector<std::vector<double>> times;
     bool measured = false;
     {
-        OutputToFile log((folder / "player.log").string());
+        bench::OutputToFile log((folder / "player.log").string());
         measured = measure(st, clock, times);
         endFadeWorkers(st);
     }
