@@ -215,6 +215,11 @@ void FluidMidiDecoder::pull(float* out, std::size_t frames) {
 bool FluidMidiDecoder::restart(std::uint64_t frame) {
     player_.reset();
     fluid_synth_system_reset(synth_.get()); // silences every voice and the effects' tails
+    // The chorus's modulator keeps its phase across a reset; setting its speed starts it afresh,
+    // so that a song sounds the same from a place whatever the synthesiser rendered before.
+    double speed = 0.0;
+    if (fluid_synth_get_chorus_group_speed(synth_.get(), -1, &speed) == FLUID_OK)
+        fluid_synth_set_chorus_group_speed(synth_.get(), -1, speed);
     stagingLeft_ = 0;
     double exactTick = timing_.tickAt(double(frame) / engineRate);
     auto tick = std::min<std::uint64_t>(static_cast<std::uint64_t>(std::floor(exactTick + 1e-6)),
