@@ -10,7 +10,7 @@
 #include "playback/engine/engine.h"
 #include "playback/fadeWorker.h"
 #include "radio/radioState.h"
-#include "support/icyServer.h"
+#include "media/icyServer.h"
 #include "support/manualClock.h"
 
 #include <cstdio>

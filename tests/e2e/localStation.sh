@@ -1,46 +1,32 @@
 #!/usr/bin/env bash
 # Plays a real Icecast station through the real player: tools/local-station on a free port, a
-# library of one short song, the radio's ratio alone. After the song, the station must fade in,
-# and the log must name it and two of its running titles. Then the station stops: the player must
-# log the end of its stream, move on when the segment ends, and move on again 3 s after the dead
+# library of one song, the radio's ratio alone. After the song, the station must fade in, and the
+# log must name it and two of its running titles. Then the station stops: the player must log
+# the end of its stream, move on when the segment ends, and move on again 3 s after the dead
 # station fails to load.
 # Usage: localStation.sh PLAYER
 set -uo pipefail
 player="$1"
-here="$(cd "$(dirname "$0")" && pwd)"
+tools="$(cd "$(dirname "$0")/../../tools" && pwd)"
 work="$(mktemp -d)"
-chmod 755 "$work"
-pids=()
-cleanup() {
-    for pid in "${pids[@]}"; do kill -TERM "$pid" 2>/dev/null; done
-    wait 2>/dev/null
-    rm -rf "$work"
-}
-trap cleanup EXIT
+chmod 755 "$work" # icecast2 runs as its own user
 game="$work/game"
-album="$game/HarpTone/Mp3 Songs/Album"
-mkdir -p "$game/data" "$album" "$game/HarpTone/SoundFonts"
-ln -s /usr/share/sounds/sf2/TimGM6mb.sf2 "$game/HarpTone/SoundFonts/TimGM6mb.sf2"
 log="$work/player.log"
-fail() {
-    echo "FAIL: $*"
-    echo "--- station"; cat "$work/station.log"
-    echo "--- player"; cat "$log"
-    exit 1
-}
-
+pids=()
+trap 'kill -TERM "${pids[@]}" 2>/dev/null; wait; rm -rf "$work"' EXIT
+fail() { echo "FAIL: $*"; cat "$work/station.log" "$log"; exit 1; }
 # Waits up to $1 tenths of a second for the command to succeed.
 waitUpTo() {
     local tenths="$1"
     shift
-    for _ in $(seq "$tenths"); do
-        "$@" && return 0
-        sleep 0.1
-    done
+    for _ in $(seq "$tenths"); do "$@" && return 0; sleep 0.1; done
     return 1
 }
+logs() { grep -q "$1" "$log"; }
 
-"$here/../../tools/local-station" --data "$game/data" --port 0 --every 3 >"$work/station.log" 2>&1 &
+mkdir -p "$game/data" "$game/HarpTone/Mp3 Songs/Album" "$game/HarpTone/SoundFonts"
+ln -s /usr/share/sounds/sf2/TimGM6mb.sf2 "$game/HarpTone/SoundFonts/TimGM6mb.sf2"
+"$tools/local-station" --data "$game/data" --port 0 --every 3 >"$work/station.log" 2>&1 &
 pids+=($!)
 started() { grep -q "^Station: " "$work/station.log" || ! kill -0 "${pids[0]}" 2>/dev/null; }
 waitUpTo 300 started
@@ -52,26 +38,22 @@ if ! grep -q "^Station: " "$work/station.log"; then
 fi
 
 ffmpeg -nostdin -loglevel error -f lavfi -i "sine=frequency=660:duration=12" -c:a libmp3lame \
-    "$album/short_song.mp3" || fail "ffmpeg could not make the song"
+    "$game/HarpTone/Mp3 Songs/Album/song.mp3" || fail "ffmpeg could not make the song"
 cat >"$game/data/MusicSettings.json" <<EOF
 {
     "directoryPaths": ["$game/HarpTone/Mp3 Songs"],
     "rawFav": 0, "rawMIDI": 0, "rawMP3": 0, "rawRadio": 100, "rawTracker": 0,
     "songPlayDurationMin": 45, "songPlayDurationMax": 45,
-    "iSongPlayDurationMin": 12, "iSongPlayDurationMax": 12,
-    "FADE_DURATION_MS": 1000
+    "iSongPlayDurationMin": 12, "iSongPlayDurationMax": 12, "FADE_DURATION_MS": 1000
 }
 EOF
-
 cd "$game/data"
 QT_QPA_PLATFORM=offscreen SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
 pids+=($!)
-titles() { grep -o "Tone number [0-9]*" "$log" | sort -u | wc -l; }
-heard() { grep -q "Local Tone FM" "$log" && [ "$(titles)" -ge 2 ]; }
+heard() { logs "Local Tone FM" && [ "$(grep -o "Tone number [0-9]*" "$log" | sort -u | wc -l)" -ge 2 ]; }
 waitUpTo 450 heard || fail "the log does not name the station and two of its titles within 45 s"
 
 kill -TERM "${pids[0]}"
-logs() { grep -q "$1" "$log"; }
 waitUpTo 150 logs "Internet stream .* ends" || fail "the end of the stream is not logged"
 waitUpTo 200 logs "The station has ended" || fail "the radio does not see the station end"
 waitUpTo 200 logs "did not load: the radio moves on in 3 seconds" ||
@@ -80,4 +62,3 @@ kill -TERM "${pids[1]}"
 wait "${pids[1]}"
 code=$?
 [ "$code" -eq 0 ] || fail "the player exited with $code"
-echo "station heard: $(grep -c "Tone number" "$log") title lines"

@@ -119,8 +119,7 @@ TEST_F(Crossfade, AStationThatFailsMovesTheRadioOnAfterThreeSecondsUnlessTheUser
     st.radioStations = {RadioStation{"Dead", "http://127.0.0.1:1/"}};
     st.stationCount = 1;
     transition(0);
-    st.playRequested = false;
-    st.firstFamilyPick = false;
+    st.playRequested = st.firstFamilyPick = false;
     st.rawMIDI = st.rawMP3 = st.rawTracker = st.rawFav = 0;
     st.rawRadio = 100;
     for (int mode : {stationModeRadio, stationModeStation}) {

@@ -164,11 +164,7 @@ TEST(MidiFonts, AFontChangeWhileANoteIsHeldKeepsItSoundingAndKeepsEveryProgram) 
     std::vector<float> after = render(*changed, 2 * engineRate);
     heard.insert(heard.end(), after.begin(), after.end());
     std::vector<float> expected = render(*steady, 3 * engineRate);
-    constexpr std::size_t window = engineRate / 100;
-    for (std::size_t at = 2 * window; at + window < 3 * engineRate; at += window) {
-        std::vector<float> part(heard.begin() + 2 * at, heard.begin() + 2 * (at + window));
-        ASSERT_GT(peak(part), 1e-3f) << "silent at frame " << at;
-    }
+    // The same audio as without the change: no gap, no program lost.
     float worst = 0.0f;
     for (std::size_t i = 0; i < expected.size(); ++i)
         worst = std::max(worst, std::abs(heard[i] - expected[i]));

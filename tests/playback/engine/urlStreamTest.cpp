@@ -1,5 +1,5 @@
 #include "playback/engine/engineFixture.h"
-#include "support/icyServer.h"
+#include "media/icyServer.h"
 
 #include <fstream>
 #include <thread>

@@ -1,4 +1,4 @@
-#include "support/icyServer.h"
+#include "media/icyServer.h"
 
 #include <algorithm>
 #include <arpa/inet.h>

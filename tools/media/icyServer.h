@@ -20,9 +20,9 @@ struct StationReply {
     bool silent = false;        // nothing at all is sent, not even the head
 };
 
-// A station on 127.0.0.1 at a free port, for tests: each connection is read up to its request's
-// end and served on a thread of its own, as the path asks (unknown paths get a 404). Silent
-// connections stay open until the server is destroyed.
+// A station on 127.0.0.1 at a free port, for tests and benchmarks: each connection is read up to
+// its request's end and served on a thread of its own, as the path asks (unknown paths get a 404).
+// Silent connections stay open until the server is destroyed.
 class IcyServer {
   public:
     explicit IcyServer(std::map<std::string, StationReply> replies);
