@@ -7,10 +7,10 @@
 #include "benchSupport.h"
 #include "core/playerState.h"
 #include "core/transport.h"
+#include "media/icyServer.h"
 #include "playback/engine/engine.h"
 #include "playback/fadeWorker.h"
 #include "radio/radioState.h"
-#include "media/icyServer.h"
 #include "support/manualClock.h"
 
 #include <cstdio>

@@ -1,5 +1,5 @@
-#include "playback/engine/engineFixture.h"
 #include "media/icyServer.h"
+#include "playback/engine/engineFixture.h"
 
 #include <fstream>
 #include <thread>
