@@ -22,10 +22,6 @@ int& indexField(PlaybackState& st, Slot slot) {
     return slot == Slot::Main ? st.soundFontIndexMain : st.soundFontIndexNext;
 }
 
-ChannelHandle slotStream(const PlaybackState& st, Slot slot) {
-    return slot == Slot::Main ? st.musicStream : st.musicStreamNext;
-}
-
 bool setFont(ChannelHandle stream, FontHandle font) {
     MidiFontRecord record{font, -1, 0};
     return midiStreamSetFonts(stream, &record, 1);
@@ -52,7 +48,7 @@ FontRecovery changeIncomingFont(PlaybackState& st, Slot slot) {
     if (field != 0)
         midiFontFree(field);
     indexField(st, slot) = st.currentSoundFont;
-    if (!setFont(slotStream(st, slot), font)) {
+    if (!setFont(slotChannel(st, slot, musicTypeMidi), font)) {
         logOut(slot == Slot::Main ? "Error setting sound font for midiStream: %u\n"
                                   : "Error setting sound font for midiStreamNext: %u\n",
                errorCode());
@@ -157,7 +153,7 @@ RotationOutcome rotateSoundFont(PlaybackState& st) {
 }
 
 FontBox repairSoundFont(PlaybackState& st, Slot incoming) {
-    if (streamHasFont(slotStream(st, incoming)))
+    if (streamHasFont(slotChannel(st, incoming, musicTypeMidi)))
         return FontBox::None;
     return selectSoundFont(st, indexField(st, incoming));
 }

@@ -34,16 +34,17 @@ long long wholeSeconds(double seconds) {
     return static_cast<long long>(seconds);
 }
 
+// The three radio modes move on by themselves; in one playlist or one station the user decides.
+bool inRadioMode(const RadioState& st) {
+    return st.stationMode == stationModeRadio || st.stationMode == stationModeTop40 ||
+           st.stationMode == stationModeUndiscovered;
+}
+
 bool stationEndDue(const RadioState& st, long long p, long long r) {
-    switch (st.stationMode) {
-    case stationModeRadio:
-    case stationModeTop40:
-        return r >= -59 && r <= 0;
-    case stationModeUndiscovered:
-        return r >= -59 && r <= 0 && st.historyNavigation == historyWalkOff && p > 30;
-    default:
-        return false; // one playlist or one station: the user decides when it ends
-    }
+    if (!inRadioMode(st) || r < -59 || r > 0)
+        return false;
+    return st.stationMode != stationModeUndiscovered ||
+           (st.historyNavigation == historyWalkOff && p > 30);
 }
 
 } // namespace
@@ -87,15 +88,6 @@ bool segmentEndDue(const RadioState& st) {
     bool songOver = p >= n && p != -1;
     return segmentOver || songOver;
 }
-
-namespace {
-
-bool inRadioMode(const RadioState& st) {
-    return st.stationMode == stationModeRadio || st.stationMode == stationModeTop40 ||
-           st.stationMode == stationModeUndiscovered;
-}
-
-} // namespace
 
 void armStationRetry(RadioState& st, ChannelHandle handle) {
     if (!st.onStation || handle != 0 || !inRadioMode(st)) {
