@@ -62,6 +62,10 @@ SettingsPtr makeSettings() {
         return nullptr;
     fluid_settings_setnum(settings.get(), "synth.sample-rate", double(engineRate));
     fluid_settings_setint(settings.get(), "synth.lock-memory", 0);
+    // A General MIDI font holds some 140 MB of samples, and a song uses a few of its presets:
+    // FluidSynth reads a preset's samples when a channel selects it, on the decode thread,
+    // ahead of what the mixer plays.
+    fluid_settings_setint(settings.get(), "synth.dynamic-sample-loading", 1);
     fluid_settings_setstr(settings.get(), "player.timing-source", "sample");
     return settings;
 }
