@@ -95,6 +95,13 @@ namespace {
 
 constexpr std::size_t blockFrames = 64; // FluidSynth renders, and its player ticks, per block
 
+template <typename Samples> float peakOf(const Samples& samples) {
+    float most = 0.0f;
+    for (float v : samples)
+        most = std::max(most, std::fabs(v));
+    return most;
+}
+
 std::uint64_t framesAt(const MidiTiming& timing, std::uint64_t tick) {
     return static_cast<std::uint64_t>(std::llround(timing.secondsAt(double(tick)) * engineRate));
 }
@@ -152,6 +159,7 @@ class FluidMidiDecoder final : public MidiDecoder {
 
     void pull(float* out, std::size_t frames);
     void synthesize(float* out, std::size_t frames);
+    void silence();
     void retireFonts(std::vector<int> ids);
     void unloadRetiredFonts();
 
@@ -207,6 +215,23 @@ void FluidMidiDecoder::pull(float* out, std::size_t frames) {
     }
 }
 
+// A reset does not cut the voices that sound: FluidSynth lets them die away over a tenth of a
+// second or so, which a seek would let through as the tail of the notes before it. They are
+// rendered out here, unheard, and a second reset clears the reverb and chorus they fed.
+void FluidMidiDecoder::silence() {
+    fluid_synth_system_reset(synth_.get());
+    constexpr float quiet = 1e-4f;                               // -80 dB
+    constexpr std::size_t mostBlocks = engineRate / blockFrames; // a second, for endless releases
+    std::array<float, 2 * blockFrames> block;
+    for (std::size_t n = 0; n < mostBlocks && fluid_synth_get_active_voice_count(synth_.get()) > 0;
+         ++n) {
+        synthesize(block.data(), blockFrames);
+        if (peakOf(block) < quiet)
+            break;
+    }
+    fluid_synth_system_reset(synth_.get());
+}
+
 // FluidSynth's own seek keeps whatever the song set after the target (a program, a bend) and
 // works only on a running player; a fresh player on a reset synth replays the song's set-up events
 // up to the target instead, without its notes, as if it had played from the start. The player
@@ -214,7 +239,7 @@ void FluidMidiDecoder::pull(float* out, std::size_t frames) {
 // to the frame is dropped, so that the notes after it come at their own time.
 bool FluidMidiDecoder::restart(std::uint64_t frame) {
     player_.reset();
-    fluid_synth_system_reset(synth_.get()); // silences every voice and the effects' tails
+    silence();
     // The chorus's modulator keeps its phase across a reset; setting its speed starts it afresh,
     // so that a song sounds the same from a place whatever the synthesiser rendered before.
     double speed = 0.0;
