@@ -27,6 +27,13 @@ bool setFont(ChannelHandle stream, FontHandle font) {
     return midiStreamSetFonts(stream, &record, 1);
 }
 
+// The incoming song changes font right after its start, while it is still at volume 0: what its
+// stream read ahead on the old font is dropped and rendered again, so that its first audible
+// moment is on the new one. A MIDI stream's seek costs no more than a restart of its player.
+void renderAgainFromHere(ChannelHandle stream) {
+    channelSetPosition(stream, channelGetPosition(stream));
+}
+
 int lastFontIndex(const PlaybackState& st) {
     return static_cast<int>(st.soundFonts.size()) - 1;
 }
@@ -56,6 +63,7 @@ FontRecovery changeIncomingFont(PlaybackState& st, Slot slot) {
         return slot == Slot::Main ? FontRecovery::RestartAudio : FontRecovery::Rescan;
     }
     field = font;
+    renderAgainFromHere(slotChannel(st, slot, musicTypeMidi));
     logOut("Sound font for %s: %s\n", slotChannelName(slot, musicTypeMidi), file.c_str());
     return FontRecovery::None;
 }
@@ -153,9 +161,13 @@ RotationOutcome rotateSoundFont(PlaybackState& st) {
 }
 
 FontBox repairSoundFont(PlaybackState& st, Slot incoming) {
-    if (streamHasFont(slotChannel(st, incoming, musicTypeMidi)))
+    ChannelHandle stream = slotChannel(st, incoming, musicTypeMidi);
+    if (streamHasFont(stream))
         return FontBox::None;
-    return selectSoundFont(st, indexField(st, incoming));
+    FontBox box = selectSoundFont(st, indexField(st, incoming));
+    if (box == FontBox::None)
+        renderAgainFromHere(stream);
+    return box;
 }
 
 bool streamHasFont(ChannelHandle stream) {

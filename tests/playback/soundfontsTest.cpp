@@ -92,6 +92,47 @@ TEST_F(Fonts, TheSetUpFontFreedByTheRotationStillServesTheStreamsToCome) {
     EXPECT_GT(peak(advance(1000)), 0.01f);
 }
 
+// The rotation comes right after the incoming song starts, and its stream may have read ahead on
+// the set-up font by then: from its first audible frame it sounds on its new font, while the
+// outgoing song keeps its font through the fade.
+TEST_F(Fonts, TheIncomingSongIsHeardOnItsNewFontFromItsStart) {
+    std::filesystem::create_symlink(generalMidiFont, path("fonts/gm.sf2"));
+    st.soundFonts = {path("fonts/gm.sf2")}; // the rotation's only draw; the set-up font is a.sf2
+    st.soundFontCount = 1;
+    st.songsBeforeSoundfontChange = 0;
+    FontHandle setUp = st.soundFontMain;
+    play("m");
+    ChannelHandle outgoing = incoming();
+    request(1);
+    startTransition(st);
+    nullOutputPull(1); // waits for the incoming stream's first audio, on the set-up font
+    // The rotation as the transition runs it, before the slots flip.
+    st.nextSlotActive = !st.nextSlotActive;
+    st.songsBeforeSoundfontChange = st.songsSinceFontChange = 1;
+    logOf([&] { rotateSoundFont(st); });
+    st.nextSlotActive = !st.nextSlotActive;
+    ASSERT_NE(incoming(), outgoing);
+    MidiFontRecord font{};
+    ASSERT_EQ(midiStreamGetFonts(outgoing, &font, 1), 1);
+    EXPECT_EQ(font.font, setUp);
+
+    std::uint64_t from = channelGetPosition(incoming()) / 4; // 44100 Hz stereo, 16 bits
+    channelStop(outgoing);
+    channelSetVolume(incoming(), 1.0f);
+    std::vector<float> heard = nullOutputPull(8192);
+    EngineError error = EngineError::Unknown;
+    std::unique_ptr<Decoder> straight = openMidiDecoder(
+        st.playlists[1].songs[0].songPath, {loadSoundFont(generalMidiFont, error)}, error);
+    ASSERT_TRUE(straight && straight->seek(from));
+    std::vector<float> expected = renderFrames(*straight, 8192, 1024);
+    double distance = 0.0, energy = 0.0;
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        distance += (heard[i] - expected[i]) * (heard[i] - expected[i]);
+        energy += expected[i] * expected[i];
+    }
+    EXPECT_LT(std::sqrt(distance / energy), 0.2);
+}
+
 TEST_F(Fonts, HandStepsWrapAndRefuseWhatTheyCannotLoad) {
     stepSoundFont(st, -1); // from 0 to the last
     EXPECT_EQ(st.currentSoundFont, 1);

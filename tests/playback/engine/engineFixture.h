@@ -14,6 +14,7 @@
 #include <vector>
 
 constexpr const char* timidityFont = "/usr/share/sounds/sf2/TimGM6mb.sf2";
+constexpr const char* generalMidiFont = "/usr/share/sounds/sf2/FluidR3_GM.sf2";
 
 inline float peak(const std::vector<float>& samples) {
     float most = 0.0f;
