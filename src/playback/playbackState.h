@@ -46,6 +46,8 @@ struct PlaybackState : LibraryState {
     ChannelHandle musicStreamNext = 0;
     ChannelHandle trackerStream = 0;
     ChannelHandle trackerStreamNext = 0;
+    // The station test's connection (the station probe): only its tags are read, never played.
+    ChannelHandle testStream = 0;
     std::atomic<bool> nextSlotActive{false};
     std::atomic<int> fadeWorkerRunning{0};
     std::mutex streamMutex;

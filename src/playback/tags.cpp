@@ -89,3 +89,17 @@ void refreshStationTags(PlaybackState& st) {
     st.lcdDirty = true;
     st.previousStationName = cut(st.stationName, previousStationNameMax);
 }
+
+std::string testStation(PlaybackState& st, int index) {
+    RadioStation& station = st.radioStations[static_cast<std::size_t>(index)];
+    st.testStream = streamCreateUrl(station.url, true);
+    if (st.testStream == 0)
+        return "Failed to load URL: " + station.url;
+    std::string box;
+    if (readStationTags(st, st.testStream))
+        station.name = st.stationName;
+    else
+        box = "Failed to get radio info for URL: " + station.url;
+    streamFree(st.testStream);
+    return box;
+}

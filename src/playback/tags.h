@@ -2,6 +2,7 @@
 #include "playback/engine/handle.h"
 
 #include <cstddef>
+#include <string>
 
 struct PlaybackState;
 
@@ -21,3 +22,8 @@ bool applyStationTags(PlaybackState& st, const char* icy, const char* http, cons
 // The 5-second refresh while a station plays: a read, a repaint of the LCD, and the name kept
 // for the next comparison.
 void refreshStationTags(PlaybackState& st);
+
+// The test of radioStations[index] by the station list: a probe connection into testStream, its
+// name taken from the station's tags, the connection freed. What goes wrong is a box for the
+// caller to show (title "Error"); empty when the test passed.
+std::string testStation(PlaybackState& st, int index);

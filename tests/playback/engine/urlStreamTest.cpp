@@ -1,5 +1,7 @@
+#include "core/playerState.h"
 #include "media/icyServer.h"
 #include "playback/engine/engineFixture.h"
+#include "playback/tags.h"
 
 #include <fstream>
 #include <thread>
@@ -11,6 +13,9 @@ const std::string icyHead = "ICY 200 OK\r\nicy-name: Test FM\r\nicy-genre:Rock\r
 const std::string icecastHead = "HTTP/1.0 200 OK\r\nContent-Type: audio/mpeg\r\n"
                                 "icy-name:Test FM\r\nicy-genre:Rock\r\nicy-pub:1\r\n\r\n";
 const std::string plainHead = "HTTP/1.1 200 OK\r\nContent-Type: audio/mpeg\r\n\r\n";
+// A line without a colon, which libcurl refuses as a weird reply: the tags' reader would skip it.
+const std::string colonlessHead = "ICY 200 OK\r\nicy-name:Test FM\r\nno colon here\r\n"
+                                  "content-type: audio/mpeg\r\n\r\n";
 const std::string firstTitle = "StreamTitle='Artist - One';";
 const std::string secondTitle = "StreamTitle='Artist - Two';StreamUrl='http://example.org/';";
 constexpr std::size_t oneSecond = 24000; // of MP3 at 192 kbit/s, as tools/media makes it
@@ -91,7 +96,8 @@ TEST_F(UrlStreams, EachStationOpensOrFailsAsItAnswersAndAProbePlaysNothing) {
                       {"/e", headOnly},
                       {"/f", station("GARBAGE FOR A STATUS LINE\r\n\r\n")},
                       {"/g", html},
-                      {"/h", moved}});
+                      {"/h", moved},
+                      {"/k", station(colonlessHead)}});
     struct Case {
         std::string url;
         EngineError error; // Ok: it opens, with the lines of this head as its tags
@@ -102,6 +108,7 @@ TEST_F(UrlStreams, EachStationOpensOrFailsAsItAnswersAndAProbePlaysNothing) {
         {server.url("/b"), EngineError::Ok, icecastHead},
         {server.url("/c"), EngineError::Ok, plainHead},
         {server.url("/h"), EngineError::Ok, icyHead}, // the final answer's headers only
+        {server.url("/k"), EngineError::FileOpen, ""},
         {server.url("/d"), EngineError::Timeout, ""},
         {server.url("/e"), EngineError::Timeout, ""},
         {server.url("/f"), EngineError::FileOpen, ""},
@@ -140,6 +147,18 @@ TEST_F(UrlStreams, EachStationOpensOrFailsAsItAnswersAndAProbePlaysNothing) {
     EXPECT_EQ(std::string(channelGetTags(probe, TagKind::Meta)), firstTitle);
     EXPECT_TRUE(channelPlay(probe));
     EXPECT_EQ(peak(nullOutputPull(engineRate / 4)), 0.0f);
+
+    // The station list's test names a station from its probe, and frees it.
+    PlayerState st;
+    st.radioStations = {{"", server.url("/a")}, {"", server.url("/c")}, {"", server.url("/j")}};
+    const std::string boxes[] = {"", "Failed to get radio info for URL: " + server.url("/c"),
+                                 "Failed to load URL: " + server.url("/j")};
+    for (int i = 0; i < 3; ++i) {
+        logOf([&] { EXPECT_EQ(testStation(st, i), boxes[i]); });
+        EXPECT_EQ(channelIsActive(st.testStream), ChannelState::Stopped);
+    }
+    EXPECT_EQ(st.radioStations[0].name, " Test FM"); // as sent
+    EXPECT_EQ(st.radioStations[1].name, "");
 }
 
 // The sine is heard; the title of an ICY station changes as it plays.
