@@ -1,4 +1,6 @@
+#include "core/hostPort.h"
 #include "core/playerState.h"
+#include "core/windowEvents.h"
 #include "media/icyServer.h"
 #include "playback/engine/engineFixture.h"
 #include "playback/tags.h"
@@ -161,7 +163,8 @@ TEST_F(UrlStreams, EachStationOpensOrFailsAsItAnswersAndAProbePlaysNothing) {
     EXPECT_EQ(st.radioStations[1].name, "");
 }
 
-// The sine is heard; the title of an ICY station changes as it plays.
+// The sine is heard; the title of an ICY station changes as it plays, and the window's tick
+// reads it.
 TEST_F(UrlStreams, StationsOfEachFormatPlayTheirSine) {
     const std::pair<const char*, const char*> formats[] = {
         {".mp3", "audio/mpeg"}, {".aac", "audio/aacp"}, {".ogg", "application/ogg"}};
@@ -186,12 +189,15 @@ TEST_F(UrlStreams, StationsOfEachFormatPlayTheirSine) {
         EXPECT_NEAR(peak(heard), 0.5f, 0.05f);
         EXPECT_NEAR(crossings(heard), 440, 6);
         EXPECT_EQ(channelGetPosition(handle), frameBytes(1.5));
-        for (int pulls = 0; icy && pulls < 40 && std::string(meta ? meta : "") != secondTitle;
-             ++pulls) {
+        // The window's station tick reads the new title.
+        PlayerState st;
+        st.onStation = true;
+        st.activeHandle = handle;
+        for (int pulls = 0; icy && pulls < 40 && st.streamTitle != "'Artist - Two'"; ++pulls) {
             nullOutputPull(engineRate / 2);
-            meta = channelGetTags(handle, TagKind::Meta);
+            logOf([&] { onTimer(st, host::timerStationTags); });
         }
-        EXPECT_EQ(std::string(meta ? meta : ""), icy ? secondTitle : "");
+        EXPECT_EQ(st.streamTitle, icy ? "'Artist - Two'" : ""); // quotes kept
         EXPECT_EQ(channelIsActive(handle), ChannelState::Playing);
         EXPECT_TRUE(streamFree(handle));
     }
