@@ -489,10 +489,12 @@ FontHandle midiFontInit(const std::string& path) {
         if (!font)
             return fail(error, FontHandle{0});
     }
+    SoundFontRef dropped; // let go after the lock: freeing a font takes a while
     std::lock_guard lock(e.lifecycle);
     if (!e.initialized || e.epoch != epoch)
         return fail(EngineError::Init, FontHandle{0});
     e.fonts.parsed[key] = font;
+    dropped = noteFontUsed(e.fonts, font);
     FontHandle handle = fontBit | (e.takeGeneration() << slotBits);
     e.fonts.loaded.push_back(FontEntry{handle, std::move(font)});
     return succeed(handle);

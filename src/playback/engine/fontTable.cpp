@@ -23,6 +23,20 @@ SoundFontRef parsedFont(FontTable& table, const std::string& key) {
     return font;
 }
 
+SoundFontRef noteFontUsed(FontTable& table, SoundFontRef font) {
+    auto& recent = table.recent;
+    auto it = std::find(recent.begin(), recent.end(), font);
+    if (it == recent.end())
+        it = recent.insert(recent.end(), std::move(font));
+    std::rotate(recent.begin(), it, it + 1);
+    SoundFontRef dropped;
+    if (recent.size() > recentFontsKept) {
+        dropped = std::move(recent.back());
+        recent.pop_back();
+    }
+    return dropped;
+}
+
 bool chooseFonts(const FontTable& table, const MidiFontRecord* records, int count,
                  std::vector<FontEntry>& chosen) {
     chosen.clear();
