@@ -111,7 +111,6 @@ TEST_F(Fonts, TheIncomingSongIsHeardOnItsNewFontFromItsStart) {
     st.songsBeforeSoundfontChange = st.songsSinceFontChange = 1;
     logOf([&] { rotateSoundFont(st); });
     st.nextSlotActive = !st.nextSlotActive;
-    ASSERT_NE(incoming(), outgoing);
     MidiFontRecord font{};
     ASSERT_EQ(midiStreamGetFonts(outgoing, &font, 1), 1);
     EXPECT_EQ(font.font, setUp);
@@ -125,12 +124,7 @@ TEST_F(Fonts, TheIncomingSongIsHeardOnItsNewFontFromItsStart) {
         st.playlists[1].songs[0].songPath, {loadSoundFont(generalMidiFont, error)}, error);
     ASSERT_TRUE(straight && straight->seek(from));
     std::vector<float> expected = renderFrames(*straight, 8192, 1024);
-    double distance = 0.0, energy = 0.0;
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        distance += (heard[i] - expected[i]) * (heard[i] - expected[i]);
-        energy += expected[i] * expected[i];
-    }
-    EXPECT_LT(std::sqrt(distance / energy), 0.2);
+    EXPECT_LT(relativeDistance(heard, expected), 0.2);
 }
 
 TEST_F(Fonts, HandStepsWrapAndRefuseWhatTheyCannotLoad) {

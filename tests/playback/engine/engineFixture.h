@@ -23,6 +23,18 @@ inline float peak(const std::vector<float>& samples) {
     return most;
 }
 
+// How far the audio heard is from the audio expected, relative to the latter, from sample `from`
+// on: 1 for silence, about 0 for the same audio.
+inline double relativeDistance(const std::vector<float>& heard, const std::vector<float>& expected,
+                               std::size_t from = 0) {
+    double distance = 0.0, energy = 0.0;
+    for (std::size_t i = from; i < expected.size(); ++i) {
+        distance += (heard[i] - expected[i]) * (heard[i] - expected[i]);
+        energy += expected[i] * expected[i];
+    }
+    return std::sqrt(distance / energy);
+}
+
 // Up to `frames` from a decoder, asked for in blocks as a decode thread would; fewer at its end.
 inline std::vector<float> renderFrames(Decoder& decoder, std::size_t frames,
                                        std::size_t block = 1000) {

@@ -140,12 +140,7 @@ TEST_F(Channels, ASeekAndFontsGivenRightAfterCreateAreHeardOnceTheDecoderIsThere
         // gives (a module's ramps start afresh, FluidSynth's effects keep a trace, AAC's noise
         // draws on): the distance from the straight run is a small part of the audio, where the
         // wrong place or no font would make it as large as the audio itself.
-        double distance = 0.0, energy = 0.0;
-        for (std::size_t i = 2 * 441; i < expected.size(); ++i) {
-            distance += (heard[i] - expected[i]) * (heard[i] - expected[i]);
-            energy += expected[i] * expected[i];
-        }
-        EXPECT_LT(std::sqrt(distance / energy), 0.2);
+        EXPECT_LT(relativeDistance(heard, expected, 2 * 441), 0.2);
         ASSERT_TRUE(streamFree(song));
     }
 }
