@@ -52,8 +52,7 @@ FontRecovery changeIncomingFont(PlaybackState& st, Slot slot) {
         return FontRecovery::None;
     }
     FontHandle& field = fontField(st, slot);
-    if (field != 0)
-        midiFontFree(field);
+    midiFontFree(field); // the zero handle frees nothing
     indexField(st, slot) = st.currentSoundFont;
     if (!setFont(slotChannel(st, slot, musicTypeMidi), font)) {
         logOut(slot == Slot::Main ? "Error setting sound font for midiStream: %u\n"
@@ -127,10 +126,8 @@ FontBox selectSoundFont(PlaybackState& st, int index) {
     FontHandle font = midiFontInit(file);
     if (font == 0)
         return FontBox::LoadFailed;
-    if (st.soundFontMain != 0)
-        midiFontFree(st.soundFontMain);
-    if (st.soundFontNext != 0)
-        midiFontFree(st.soundFontNext);
+    midiFontFree(st.soundFontMain);
+    midiFontFree(st.soundFontNext);
     st.soundFontMain = font;
     st.soundFontNext = midiFontInit(file); // shares the parse of the first open
     setFont(st.musicStream, st.soundFontMain);

@@ -95,13 +95,6 @@ namespace {
 
 constexpr std::size_t blockFrames = 64; // FluidSynth renders, and its player ticks, per block
 
-template <typename Samples> float peakOf(const Samples& samples) {
-    float most = 0.0f;
-    for (float v : samples)
-        most = std::max(most, std::fabs(v));
-    return most;
-}
-
 std::uint64_t framesAt(const MidiTiming& timing, std::uint64_t tick) {
     return static_cast<std::uint64_t>(std::llround(timing.secondsAt(double(tick)) * engineRate));
 }
@@ -226,7 +219,7 @@ void FluidMidiDecoder::silence() {
     for (std::size_t n = 0; n < mostBlocks && fluid_synth_get_active_voice_count(synth_.get()) > 0;
          ++n) {
         synthesize(block.data(), blockFrames);
-        if (peakOf(block) < quiet)
+        if (std::all_of(block.begin(), block.end(), [](float v) { return std::fabs(v) < quiet; }))
             break;
     }
     fluid_synth_system_reset(synth_.get());
