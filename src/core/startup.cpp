@@ -7,6 +7,7 @@
 #include "core/transport.h"
 #include "core/windowEvents.h"
 #include "display/pathLine.h"
+#include "display/colors.h"
 #include "display/textures.h"
 #include "gamelink/commandFile.h"
 #include "input/controllers.h"
@@ -32,6 +33,12 @@
 namespace fs = std::filesystem;
 
 namespace {
+
+// A texture the folder listed that would not load: the same box as anywhere else in the program.
+void showTextureBoxes(const std::vector<std::string>& texts) {
+    for (const std::string& text : texts)
+        host::messageBox(text, "Error", host::Icon::None, false);
+}
 
 // Files of the data folder are tried there first, then under their bare name.
 template <typename Load> void loadFromDataOrBare(PlayerState& st, const char* name, Load load) {
@@ -118,7 +125,7 @@ void runEarlyStartup(PlayerState& st) {
     st.dataDirectory = fs::current_path(ec).string();
     loadKeyBindings(st);
     registerHotkeys(st);
-    loadStartupTextures(st);
+    showTextureBoxes(loadStartupTextures(st));
     openControllers(st);
 }
 
@@ -155,7 +162,7 @@ void runStartupSequence(PlayerState& st) {
         writeMusicRunning(st, "yes");
     if (st.directoryPaths.empty())
         st.hasMusicFolders = false;
-    loadNamedTextures(st);
+    showTextureBoxes(loadNamedTextures(st));
     if (st.randomColorPlayer != 0)
         applyRandomColorScheme(st);
 

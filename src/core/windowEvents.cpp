@@ -3,18 +3,17 @@
 #include "core/hostPort.h"
 #include "core/playerState.h"
 #include "core/transport.h"
+#include "display/layout.h"
 #include "display/plainScreen.h"
 #include "playback/tags.h"
 #include "radio/segments.h"
 
 namespace {
 
-// A strip of the base layout in pixels, each value scaled and truncated.
+// A strip of the grid in pixels, each value scaled and truncated.
 host::Rect strip(const PlayerState& st, int left, int top, int width, int height) {
-    int x = static_cast<int>(left * st.scaleX);
-    int y = static_cast<int>(top * st.scaleY);
-    return {x, y, x + static_cast<int>(width * st.scaleX),
-            y + static_cast<int>(height * st.scaleY)};
+    Box box = gridBox(st, left, top, width, height);
+    return {box.x, box.y, box.x + box.width, box.y + box.height};
 }
 
 // The position read-outs move only while something sounds. Asking for their strips with nothing
@@ -122,13 +121,6 @@ void onPaint(PlayerState& st, Canvas& canvas) {
     paintPlainScreen(st, canvas);
     afterRepaintTest(st);
     st.paintedSinceTick = true;
-}
-
-void onResize(PlayerState& st, int width, int height) {
-    st.clientWidth = width;
-    st.clientHeight = height;
-    st.scaleX = static_cast<float>(width) / 500.0f;
-    st.scaleY = static_cast<float>(height) / 155.0f;
 }
 
 // The painted controls answer the mouse once the player screen exists.

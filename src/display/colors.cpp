@@ -31,3 +31,17 @@ const std::array<ColorEntry, 29> namedColors{{
     {"Pink", 255, 192, 203},
     {"Indigo", 75, 0, 130},
 }};
+
+const std::array<ColorScheme, 18> colorSchemes{};
+
+void applyScheme(DisplayState&, int) {}
+
+void applyRandomColorScheme(DisplayState&) {}
+
+std::optional<int> findSchemeIndex(const DisplayState&) {
+    return std::nullopt;
+}
+
+std::optional<int> findNamedColor(int, int, int) {
+    return std::nullopt;
+}

@@ -3,13 +3,6 @@
 #include "display/canvas.h"
 #include "display/displayState.h"
 
-namespace {
-Color colorOf(int r, int g, int b) {
-    return {static_cast<std::uint8_t>(r), static_cast<std::uint8_t>(g),
-            static_cast<std::uint8_t>(b)};
-}
-} // namespace
-
 void paintPlainScreen(DisplayState& st, Canvas& canvas) {
     const int w = canvas.width();
     const int h = canvas.height();
@@ -27,8 +20,8 @@ void paintPlainScreen(DisplayState& st, Canvas& canvas) {
         headline = "Marble Tunnel Radio: No Music Directory";
         title = "Add music to the library";
     }
-    canvas.drawText({lcd.x + 8, lcd.y + 4, lcd.width - 16, lineHeight}, headline, text,
-                    lineHeight * 2 / 3, TextAlign::Left);
+    canvas.drawText({lcd.x + 8, lcd.y + 4, lcd.width - 16, lineHeight}, headline,
+                    {{"Arial", lineHeight * 2 / 3, 400}, text, TextAlign::Left, true, false});
     canvas.drawText({lcd.x + 8, lcd.y + lineHeight + 4, lcd.width - 16, lineHeight * 2 - 8}, title,
-                    text, lineHeight, TextAlign::Center);
+                    {{"Arial", lineHeight, 400}, text, TextAlign::Center, true, false});
 }

@@ -2,11 +2,23 @@
 
 #include "display/displayState.h"
 
-// Textures and colour schemes arrive with the painted screen; the plain window needs none.
-void loadStartupTextures(DisplayState&) {}
+// Textures arrive with the painted screen; the plain window needs none.
+void scanTextures(DisplayState&, const std::string&) {}
 
-void loadNamedTextures(DisplayState&) {}
+TextureLoad loadTexture(DisplayState&, const std::string&, int) {
+    return TextureLoad::NotListed;
+}
 
-void applyRandomColorScheme(DisplayState&) {}
+std::string textureFailureText(const std::string& name) {
+    return "Failed to load " + name + ".bmp";
+}
+
+std::vector<std::string> loadStartupTextures(DisplayState&) {
+    return {};
+}
+
+std::vector<std::string> loadNamedTextures(DisplayState&) {
+    return {};
+}
 
 void releaseTextures(DisplayState&) {}

@@ -11,8 +11,14 @@ class QtCanvas : public Canvas {
     int width() const override { return width_; }
     int height() const override { return height_; }
     void fillRect(const Box& box, Color color) override;
-    void drawText(const Box& box, const std::string& text, Color color, int pixelHeight,
-                  TextAlign align) override;
+    void outlineRect(const Box& box, Color color, int penWidth) override;
+    void drawText(const Box& box, const std::string& text, const TextStyle& style) override;
+    int textWidth(const std::string& text, const Font& font) override;
+    void tileBitmap(int bitmapId, const Box& area, int alpha, TileEdge edge) override;
+    void roundedRect(const Box& box, int diameter, const Paint& paint) override;
+    void ellipse(const Box& box, const Paint& paint) override;
+    void clipRounded(const Box& box, int diameter) override;
+    void clearClip() override;
 
   private:
     QPainter& painter_;

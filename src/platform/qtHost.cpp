@@ -4,6 +4,7 @@
 #include "core/shutdown.h"
 #include "core/startup.h"
 #include "core/windowEvents.h"
+#include "display/layout.h"
 #include "platform/qtCanvas.h"
 #include "platform/qtSignals.h"
 #include "platform/sdlControllers.h"
@@ -19,9 +20,6 @@
 #include <cstdlib>
 
 namespace {
-
-constexpr int gridWidth = 500;
-constexpr int gridHeight = 155;
 
 bool onOffscreenPlatform() {
     return QGuiApplication::platformName() == "offscreen";
