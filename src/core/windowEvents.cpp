@@ -119,6 +119,13 @@ void onTimer(PlayerState& st, int id) {
 void onPaint(PlayerState& st, Canvas& canvas) {
     refreshPosition(st);
     paintPlainScreen(st, canvas);
+}
+
+void afterPaint(PlayerState& st) {
+    if (st.volumeTimerWanted) {
+        st.volumeTimerWanted = false;
+        host::setTimer(host::timerVolumeText, 3000);
+    }
     afterRepaintTest(st);
     st.paintedSinceTick = true;
 }

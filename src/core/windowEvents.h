@@ -14,7 +14,10 @@ void schedulePolling(PlayerState& st);
 
 // The main window's messages, handed over by the platform host on the user-interface thread.
 void onTimer(PlayerState& st, int id);
+// The paint pass composes the window on the canvas; once the canvas is let go and before the
+// frame is shown, afterPaint runs the end test, which may start the next song.
 void onPaint(PlayerState& st, Canvas& canvas);
+void afterPaint(PlayerState& st);
 // x and y are client coordinates in pixels.
 void onLeftPress(PlayerState& st, int x, int y);
 void onRightPress(PlayerState& st, int x, int y);

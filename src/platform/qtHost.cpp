@@ -5,6 +5,7 @@
 #include "core/startup.h"
 #include "core/windowEvents.h"
 #include "display/layout.h"
+#include "platform/qtBitmaps.h"
 #include "platform/qtCanvas.h"
 #include "platform/qtSignals.h"
 #include "platform/sdlControllers.h"
@@ -58,6 +59,7 @@ void ScreenWidget::paintEvent(QPaintEvent*) {
         QtCanvas canvas(painter, width(), height());
         onPaint(st_, canvas);
     }
+    afterPaint(st_);
     QPainter(this).drawImage(0, 0, backBuffer_);
 }
 
@@ -173,6 +175,8 @@ int runPlayer(int argc, char** argv) {
     std::setlocale(LC_NUMERIC, "C");
 
     auto st = std::make_unique<PlayerState>();
+    QtBitmapStore bitmaps;
+    st->bitmapStore = &bitmaps;
     MainWindow window(*st);
     QtBackend backend(*st, window);
     SdlControllers controllers;

@@ -13,14 +13,14 @@ class RecordingCanvas : public Canvas {
         Kind kind;
         Box box;
         std::string text;
-        Color color;         // fill, outline or text colour
+        Color color; // fill, outline or text colour
         std::optional<Color> pen;
         int penWidth = 0;
-        TextStyle style;     // text only
-        int bitmapId = 0;    // tile only
-        int alpha = 0;       // tile only
+        TextStyle style;  // text only
+        int bitmapId = 0; // tile only
+        int alpha = 0;    // tile only
         TileEdge edge = TileEdge::Clip;
-        int diameter = 0;    // rounded shapes and clips
+        int diameter = 0; // rounded shapes and clips
     };
 
     RecordingCanvas(int width = 500, int height = 155) : width_(width), height_(height) {}
@@ -46,12 +46,30 @@ class RecordingCanvas : public Canvas {
         calls.push_back({Kind::Tile, area, {}, {}, {}, 0, {}, bitmapId, alpha, edge, 0});
     }
     void roundedRect(const Box& box, int diameter, const Paint& paint) override {
-        calls.push_back({Kind::RoundedRect, box, {}, paint.fill.value_or(Color{}), paint.pen,
-                         paint.penWidth, {}, 0, 0, {}, diameter});
+        calls.push_back({Kind::RoundedRect,
+                         box,
+                         {},
+                         paint.fill.value_or(Color{}),
+                         paint.pen,
+                         paint.penWidth,
+                         {},
+                         0,
+                         0,
+                         {},
+                         diameter});
     }
     void ellipse(const Box& box, const Paint& paint) override {
-        calls.push_back({Kind::Ellipse, box, {}, paint.fill.value_or(Color{}), paint.pen,
-                         paint.penWidth, {}, 0, 0, {}, 0});
+        calls.push_back({Kind::Ellipse,
+                         box,
+                         {},
+                         paint.fill.value_or(Color{}),
+                         paint.pen,
+                         paint.penWidth,
+                         {},
+                         0,
+                         0,
+                         {},
+                         0});
     }
     void clipRounded(const Box& box, int diameter) override {
         calls.push_back({Kind::Clip, box, {}, {}, {}, 0, {}, 0, 0, {}, diameter});
