@@ -41,4 +41,9 @@ void notifyPlayerChanged(PlayerChange what) {
         installed->playerChanged(what);
 }
 
+void closeMainWindow() {
+    if (installed)
+        installed->closeMainWindow();
+}
+
 } // namespace host

@@ -40,6 +40,8 @@ struct Port {
     // Raised after the change has been made: the song, the play state (pause, stop, start), the
     // volume, or a jump of the position.
     virtual void playerChanged(PlayerChange what) = 0;
+    // Closes the main window as its close box does: the player shuts down once and exits 0.
+    virtual void closeMainWindow() = 0;
 };
 
 // The port stays owned by the caller; pass nullptr to remove it. Returns the one it replaced.
@@ -50,5 +52,6 @@ void killTimer(int id);
 void invalidate(const Rect* rect, bool erase);
 void messageBox(const std::string& text, const std::string& title, Icon icon, bool owned);
 void notifyPlayerChanged(PlayerChange what);
+void closeMainWindow();
 
 } // namespace host

@@ -4,7 +4,7 @@
 #include "core/playerState.h"
 #include "core/transport.h"
 #include "display/layout.h"
-#include "display/plainScreen.h"
+#include "display/screen.h"
 #include "playback/tags.h"
 #include "radio/segments.h"
 
@@ -117,8 +117,7 @@ void onTimer(PlayerState& st, int id) {
 }
 
 void onPaint(PlayerState& st, Canvas& canvas) {
-    refreshPosition(st);
-    paintPlainScreen(st, canvas);
+    paintScreen(canvas, st);
 }
 
 void afterPaint(PlayerState& st) {
@@ -129,8 +128,3 @@ void afterPaint(PlayerState& st) {
     afterRepaintTest(st);
     st.paintedSinceTick = true;
 }
-
-// The painted controls answer the mouse once the player screen exists.
-void onLeftPress(PlayerState&, int, int) {}
-
-void onRightPress(PlayerState&, int, int) {}

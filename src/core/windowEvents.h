@@ -18,6 +18,3 @@ void onTimer(PlayerState& st, int id);
 // frame is shown, afterPaint runs the end test, which may start the next song.
 void onPaint(PlayerState& st, Canvas& canvas);
 void afterPaint(PlayerState& st);
-// x and y are client coordinates in pixels.
-void onLeftPress(PlayerState& st, int x, int y);
-void onRightPress(PlayerState& st, int x, int y);

@@ -1,5 +1,6 @@
 #include "platform/qtHost.h"
 
+#include "core/mouse.h"
 #include "core/playerState.h"
 #include "core/shutdown.h"
 #include "core/startup.h"
@@ -157,6 +158,11 @@ void QtBackend::messageBox(const std::string& text, const std::string& title, ho
 void QtBackend::playerChanged(host::PlayerChange what) {
     for (const auto& listener : listeners_)
         listener(what);
+}
+
+void QtBackend::closeMainWindow() {
+    // Queued: the press that asks for it is still being handled by the window.
+    QMetaObject::invokeMethod(&window_, &QWidget::close, Qt::QueuedConnection);
 }
 
 void QtBackend::listenToPlayer(std::function<void(host::PlayerChange)> listener) {

@@ -64,6 +64,7 @@ class QtBackend : public host::Port {
     void messageBox(const std::string& text, const std::string& title, host::Icon icon,
                     bool owned) override;
     void playerChanged(host::PlayerChange what) override;
+    void closeMainWindow() override;
     // The screen and the desktop's media controls hear every change here instead of polling.
     void listenToPlayer(std::function<void(host::PlayerChange)> listener);
 

@@ -28,9 +28,11 @@ class RecordingPlatform : public host::Port {
         boxes.push_back({text, title, icon, owned});
     }
     void playerChanged(host::PlayerChange what) override { changes.push_back(what); }
+    void closeMainWindow() override { ++closeRequests; }
 
     std::vector<Box> boxes;
     std::vector<host::PlayerChange> changes;
+    int closeRequests = 0;
 
   private:
     host::Port* previous_ = nullptr;
