@@ -1,8 +1,11 @@
 #include "radio/walks.h"
 
+#include "core/mouse.h"
 #include "core/transport.h"
 #include "core/windowEvents.h"
+#include "display/screen.h"
 #include "playback/radioFixture.h"
+#include "support/recordingCanvas.h"
 
 #include <tuple>
 
@@ -99,3 +102,26 @@ TEST_F(Walks, AWindowWithoutPaintsStillMovesOnFromTheTick) {
 }
 
 } // namespace
+
+// The list page: built-in stations, stations, playlists, each row played through a transition,
+// also when it already plays.
+TEST_F(Walks, ListRowsChooseTheModeTheStationOrThePlaylistAndTransition) {
+    st.listEntries.assign(7, "row");
+    st.stationCount = 2;
+    st.listPage = 0;
+    RecordingCanvas canvas;
+    paintScreen(canvas, st);
+    const std::tuple<int, int, bool> rows[] = {{0, 1, false}, {1, 2, false}, {2, 3, false},
+                                               {4, 4, true},  {5, 0, false}, {5, 0, false}};
+    for (auto [cell, mode, onStation] : rows) {
+        const Box box = st.cellRects[cell];
+        std::size_t before = st.songHistory.size();
+        logOf([&] { onLeftPress(st, box.x + 1, box.y + 1); });
+        advance(200);
+        EXPECT_EQ(st.songHistory.size(), before + 1) << cell;
+        EXPECT_EQ(st.stationMode, mode) << cell;
+        EXPECT_EQ(st.onStation, onStation) << cell;
+    }
+    EXPECT_EQ(st.currentStation, 1);
+    EXPECT_EQ(st.modePlaylist, 0);
+}
