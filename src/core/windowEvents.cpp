@@ -31,6 +31,10 @@ void onRepaintTick(PlayerState& st) {
         host::Rect text = strip(st, 20, 70, 500, 70);
         host::invalidate(&text, false);
     }
+    if (st.volumeTextShown) {
+        host::Rect volume = strip(st, 493, 2, 6, 95);
+        host::invalidate(&volume, false);
+    }
     if (st.lcdDirty) {
         host::Rect lcd = strip(st, 1, 10, 490, 125);
         host::invalidate(&lcd, false);
