@@ -7,6 +7,7 @@
 #include "display/layout.h"
 #include "platform/qtBitmaps.h"
 #include "platform/qtCanvas.h"
+#include "platform/qtFonts.h"
 #include "platform/qtSignals.h"
 #include "platform/sdlControllers.h"
 #include "util/log.h"
@@ -171,6 +172,7 @@ int runPlayer(int argc, char** argv) {
         return -1;
     }
     QApplication app(argc, argv);
+    installFontSubstitutions();
     // Qt applies the user's locale, and "%.1f" would then print "88,7" in some sessions.
     std::setlocale(LC_NUMERIC, "C");
 
