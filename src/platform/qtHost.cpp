@@ -57,7 +57,7 @@ void ScreenWidget::paintEvent(QPaintEvent*) {
         backBuffer_ = QImage(size(), QImage::Format_RGB32);
     {
         QPainter painter(&backBuffer_);
-        QtCanvas canvas(painter, width(), height());
+        QtCanvas canvas(painter, width(), height(), fonts_, bitmaps_);
         onPaint(st_, canvas);
     }
     afterPaint(st_);
@@ -180,6 +180,7 @@ int runPlayer(int argc, char** argv) {
     QtBitmapStore bitmaps;
     st->bitmapStore = &bitmaps;
     MainWindow window(*st);
+    window.screen()->setBitmaps(&bitmaps);
     QtBackend backend(*st, window);
     SdlControllers controllers;
     onMainWindowCreated(*st);
