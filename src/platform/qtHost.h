@@ -27,10 +27,15 @@ class ScreenWidget : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void composeFrame();
+
     PlayerState& st_;
     const QtBitmapStore* bitmaps_ = nullptr;
     FontCache fonts_;
-    QImage backBuffer_;
+    QImage backBuffer_; // drawn by the pass
+    QImage frame_;      // the last whole frame, what the widget shows
+    bool inPass_ = false;
+    bool missedPass_ = false;
 };
 
 // The player's main window. Closing it, by its frame or by a quit signal, shuts the player down
