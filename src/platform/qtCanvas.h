@@ -1,13 +1,17 @@
 #pragma once
 #include "display/canvas.h"
 
+class FontCache;
 class QPainter;
+class QtBitmapStore;
 
-// The paint pass's canvas over a QPainter on the back buffer.
+// The paint pass's canvas over a QPainter on the back buffer, in logical pixels. The fonts and
+// the bitmaps belong to the host and outlive the canvas; without a store no bitmap draws.
 class QtCanvas : public Canvas {
   public:
-    QtCanvas(QPainter& painter, int width, int height)
-        : painter_(painter), width_(width), height_(height) {}
+    QtCanvas(QPainter& painter, int width, int height, FontCache& fonts,
+             const QtBitmapStore* bitmaps)
+        : painter_(painter), width_(width), height_(height), fonts_(fonts), bitmaps_(bitmaps) {}
     int width() const override { return width_; }
     int height() const override { return height_; }
     void fillRect(const Box& box, Color color) override;
@@ -24,4 +28,6 @@ class QtCanvas : public Canvas {
     QPainter& painter_;
     int width_;
     int height_;
+    FontCache& fonts_;
+    const QtBitmapStore* bitmaps_;
 };

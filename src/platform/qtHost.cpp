@@ -8,6 +8,7 @@
 #include "display/layout.h"
 #include "platform/qtBitmaps.h"
 #include "platform/qtCanvas.h"
+#include "platform/qtFonts.h"
 #include "platform/qtSignals.h"
 #include "platform/sdlControllers.h"
 #include "util/log.h"
@@ -20,6 +21,7 @@
 #include <QTimer>
 #include <clocale>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -52,16 +54,38 @@ ScreenWidget::ScreenWidget(PlayerState& st, QWidget* parent) : QWidget(parent), 
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
+// afterPaint may start a transition whose message box turns the event loop: a paint arriving
+// then shows the last frame, and one more pass follows once this one has ended.
 void ScreenWidget::paintEvent(QPaintEvent*) {
-    if (backBuffer_.size() != size())
-        backBuffer_ = QImage(size(), QImage::Format_RGB32);
+    if (inPass_) {
+        missedPass_ = true;
+    } else {
+        inPass_ = true;
+        composeFrame();
+        afterPaint(st_);
+        inPass_ = false;
+        if (std::exchange(missedPass_, false))
+            update();
+    }
+    QPainter(this).drawImage(0, 0, frame_);
+}
+
+// At the device pixel ratio, so that text and curves are sharp on a scaled desktop, while the
+// logic draws in logical pixels. Two buffers take turns, so the shown frame is never half drawn.
+void ScreenWidget::composeFrame() {
+    const qreal ratio = devicePixelRatioF();
+    const QSize pixels = size() * ratio;
+    if (backBuffer_.size() != pixels || backBuffer_.devicePixelRatio() != ratio) {
+        backBuffer_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+        backBuffer_.setDevicePixelRatio(ratio);
+        backBuffer_.fill(Qt::black);
+    }
     {
         QPainter painter(&backBuffer_);
-        QtCanvas canvas(painter, width(), height());
+        QtCanvas canvas(painter, width(), height(), fonts_, bitmaps_);
         onPaint(st_, canvas);
-    }
-    afterPaint(st_);
-    QPainter(this).drawImage(0, 0, backBuffer_);
+    } // the painter lets the buffer go before the end test runs
+    std::swap(backBuffer_, frame_);
 }
 
 void ScreenWidget::mousePressEvent(QMouseEvent* event) {
@@ -177,6 +201,7 @@ int runPlayer(int argc, char** argv) {
         return -1;
     }
     QApplication app(argc, argv);
+    installFontSubstitutions();
     // Qt applies the user's locale, and "%.1f" would then print "88,7" in some sessions.
     std::setlocale(LC_NUMERIC, "C");
 
@@ -184,6 +209,7 @@ int runPlayer(int argc, char** argv) {
     QtBitmapStore bitmaps;
     st->bitmapStore = &bitmaps;
     MainWindow window(*st);
+    window.screen()->setBitmaps(&bitmaps);
     QtBackend backend(*st, window);
     SdlControllers controllers;
     onMainWindowCreated(*st);

@@ -1,5 +1,6 @@
 #pragma once
 #include "core/hostPort.h"
+#include "platform/qtFonts.h"
 
 #include <QImage>
 #include <QMainWindow>
@@ -10,12 +11,15 @@
 
 struct PlayerState;
 class QTimer;
+class QtBitmapStore;
 
 // The central widget: the player's client area. Paint, presses and size go to the logic; the
 // paint pass composes the whole window into the back buffer, which is then copied out.
 class ScreenWidget : public QWidget {
   public:
     ScreenWidget(PlayerState& st, QWidget* parent);
+    // The store whose bitmaps the canvas draws: the one installed as the player's bitmapStore.
+    void setBitmaps(const QtBitmapStore* bitmaps) { bitmaps_ = bitmaps; }
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -23,8 +27,15 @@ class ScreenWidget : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void composeFrame();
+
     PlayerState& st_;
-    QImage backBuffer_;
+    const QtBitmapStore* bitmaps_ = nullptr;
+    FontCache fonts_;
+    QImage backBuffer_; // drawn by the pass
+    QImage frame_;      // the last whole frame, what the widget shows
+    bool inPass_ = false;
+    bool missedPass_ = false;
 };
 
 // The player's main window. Closing it, by its frame or by a quit signal, shuts the player down
