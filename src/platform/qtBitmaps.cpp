@@ -59,9 +59,22 @@ std::optional<BitmapInfo> QtBitmapStore::load(const std::string& path) {
 
 void QtBitmapStore::release(int id) {
     images_.erase(id);
+    std::erase_if(squeezed_, [id](const auto& entry) { return std::get<0>(entry.first) == id; });
 }
 
 const QImage* QtBitmapStore::find(int id) const {
     auto it = images_.find(id);
     return it == images_.end() ? nullptr : &it->second;
+}
+
+const QImage& QtBitmapStore::squeezed(int id, int width, int height) const {
+    // A window resized by dragging asks for a new size at every step; the old ones go.
+    constexpr std::size_t kept = 64;
+    if (squeezed_.size() >= kept)
+        squeezed_.clear();
+    auto [it, added] = squeezed_.try_emplace({id, width, height});
+    if (added)
+        it->second =
+            images_.at(id).scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return it->second;
 }

@@ -123,8 +123,8 @@ void QtCanvas::tileBitmap(int bitmapId, const Box& area, int alpha, TileEdge edg
         const int wholeWidth = area.width / w * w, wholeHeight = area.height / h * h;
         const int restWidth = area.width - wholeWidth, restHeight = area.height - wholeHeight;
         const int restX = area.x + wholeWidth, restY = area.y + wholeHeight;
-        auto squeezed = [&](int width, int height) {
-            return image->scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        auto squeezed = [&](int width, int height) -> const QImage& {
+            return bitmaps_->squeezed(bitmapId, width, height);
         };
         fillTiled(painter_, QRect(area.x, area.y, wholeWidth, wholeHeight), *image);
         if (restWidth > 0)
