@@ -6,6 +6,7 @@
 // window's events need stands here.
 struct PlayerState : SettingsState {
     bool paintedSinceTick = false; // a repaint ran since the last tick of timer 1
+    bool endTestRunning = false;   // the end of a repaint (or its tick) is deciding
     int pollPeriod = 0;            // the period timers 3 and 2 run at, 0 while stopped
     int latchPeriod = 0;
 };

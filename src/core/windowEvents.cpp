@@ -24,6 +24,16 @@ bool positionMoves(const PlayerState& st) {
     return state == TransportState::Playing || state == TransportState::Crossfading;
 }
 
+// The end test may start a transition whose message box turns the event loop; a tick or a paint
+// arriving meanwhile must not start a second one inside the first.
+void runEndTest(PlayerState& st) {
+    if (st.endTestRunning)
+        return;
+    st.endTestRunning = true;
+    afterRepaintTest(st);
+    st.endTestRunning = false;
+}
+
 void onRepaintTick(PlayerState& st) {
     if (positionMoves(st)) {
         host::Rect seek = strip(st, 5, 2, 490, 10);
@@ -48,7 +58,7 @@ void onRepaintTick(PlayerState& st) {
     // in the repaint's own order.
     if (!st.paintedSinceTick) {
         refreshPosition(st);
-        afterRepaintTest(st);
+        runEndTest(st);
     }
     st.paintedSinceTick = false;
 }
@@ -129,6 +139,6 @@ void afterPaint(PlayerState& st) {
         st.volumeTimerWanted = false;
         host::setTimer(host::timerVolumeText, 3000);
     }
-    afterRepaintTest(st);
+    runEndTest(st);
     st.paintedSinceTick = true;
 }
