@@ -1,0 +1,95 @@
+#!/usr/bin/env bash
+# Clicks the real player's window under Xvfb as a user would: the next-song glyph must draw a new
+# song, and the figures glyph must turn the LCD to the ratio page. The frames before and after are
+# left in the current folder (build/tests under ctest): screen-before.png, screen-figures.png.
+# Usage: screen.sh PLAYER
+set -uo pipefail
+player="$(realpath "$1")"
+shots="$PWD"
+# The whole script runs inside an X server of its own. Without -noreset the server resets when
+# its last client leaves, and a polling xdotool that leaves as the player connects fails the start.
+if [ -z "${SCREEN_SH_DISPLAY:-}" ]; then
+    for tool in xvfb-run xdotool ffmpeg; do
+        command -v "$tool" >/dev/null || { echo "skipped: $tool missing"; exit 77; }
+    done
+    SCREEN_SH_DISPLAY=1 exec xvfb-run -a -s "-screen 0 1024x768x24 -noreset" "$0" "$@"
+fi
+
+work="$(mktemp -d)"
+pid=""
+trap '[ -n "$pid" ] && kill -9 "$pid" 2>/dev/null; rm -rf "$work"' EXIT
+log="$work/player.log"
+fail() { echo "FAIL: $*"; cat "$log" 2>/dev/null; exit 1; }
+# Waits up to $1 tenths of a second for the command to succeed, while the player runs.
+waitUpTo() {
+    local tenths="$1"
+    shift
+    for _ in $(seq "$tenths"); do
+        "$@" && return 0
+        [ -z "$pid" ] || kill -0 "$pid" 2>/dev/null || return 1
+        sleep 0.1
+    done
+    return 1
+}
+
+# A small library of the game's layout: the demo library (tools/layout-run) takes a minute and
+# more to encode. A soundfont is there, so that no box waits for a click.
+game="$work/game"
+mkdir -p "$game/data" "$game/HarpTone/"{"MIDI Songs","Tracker Songs","Mp3 Songs/Sines",SoundFonts}
+ln -s /usr/share/sounds/sf2/TimGM6mb.sf2 "$game/HarpTone/SoundFonts/TimGM6mb.sf2"
+for hz in 440 550 660; do
+    ffmpeg -nostdin -loglevel error -f lavfi -i "sine=frequency=$hz:duration=30" -c:a libmp3lame \
+        "$game/HarpTone/Mp3 Songs/Sines/tone_$hz.mp3" || fail "ffmpeg could not make a song"
+done
+
+cd "$game/data" || fail "no data folder"
+# The dummy driver: a machine under test may have no sound card, and that box would wait too.
+env -u QT_QPA_PLATFORM SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
+pid=$!
+findWindow() { id="$(xdotool search --onlyvisible --name "^Marble Tunnel Radio$" | head -1)"; }
+waitUpTo 300 findWindow || fail "no window titled Marble Tunnel Radio"
+# With no menu bar yet the client area is the whole window.
+eval "$(xdotool getwindowgeometry --shell "$id")"
+px() { echo $(($1 * WIDTH / 500)); }
+py() { echo $(($1 * HEIGHT / 155)); }
+grab() {
+    ffmpeg -nostdin -loglevel error -y -f x11grab -draw_mouse 0 -video_size "${WIDTH}x$HEIGHT" \
+        -i "$DISPLAY+$X,$Y" -frames:v 1 "$1"
+}
+# "R G B" of a frame's pixel at grid units.
+pixel() {
+    ffmpeg -nostdin -loglevel error -i "$1" -vf "crop=1:1:$(px "$2"):$(py "$3"),format=rgb24" \
+        -f rawvideo - | od -An -tu1 | xargs
+}
+lcdSum() {
+    ffmpeg -nostdin -loglevel error -i "$1" \
+        -vf "crop=$(px 490):$(py 85):$(px 2):$(py 12),format=rgb24" -f rawvideo - | md5sum
+}
+drawn() { grep -c "Drawn song:" "$log"; }
+
+# Painted once the background is no longer the empty window's black.
+before="$shots/screen-before.png"
+painted() { grab "$before" && [ "$(pixel "$before" 1 153)" != "0 0 0" ]; }
+waitUpTo 100 painted || fail "the window shows no frame"
+[ "$(drawn)" -ge 1 ] || fail "no first song was drawn"
+
+songs="$(drawn)"
+xdotool mousemove --window "$id" "$(px 270)" "$(py 142)" click 1
+moved() { [ "$(drawn)" -gt "$songs" ]; }
+waitUpTo 100 moved || fail "the next-song glyph drew no new song"
+
+# The ratio page's first bar is the text colour (white in a fresh data folder) past the ratio,
+# where the front page shows the LCD.
+figures="$shots/screen-figures.png"
+xdotool mousemove --window "$id" "$(px 476)" "$(py 20)" click 1
+onRatioPage() { grab "$figures" && [ "$(pixel "$figures" 400 21)" = "255 255 255" ]; }
+waitUpTo 100 onRatioPage || fail "the figures glyph did not show the ratio bars"
+[ "$(pixel "$before" 400 21)" != "255 255 255" ] || fail "the front page shows a bar already"
+[ "$(lcdSum "$before")" != "$(lcdSum "$figures")" ] || fail "the LCD did not change"
+
+kill -TERM "$pid"
+wait "$pid"
+code=$?
+pid=""
+[ "$code" -eq 0 ] || fail "SIGTERM ended the player with $code"
+exit 0
