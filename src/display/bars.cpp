@@ -31,7 +31,8 @@ void drawPositionBar(Canvas& canvas, const DisplayState& st) {
     const Box box = gridBox(st, 3, 2, 490, 5);
     canvas.fillRect(box, textColor(st));
     const double whole = st.onStation ? st.segmentEnd : st.lengthSeconds;
-    const float played = clampedFraction(st.positionSeconds / whole);
+    // Nothing loaded reads as -1 s of -1 s: an empty bar, not a full one.
+    const float played = whole > 0.0 ? clampedFraction(st.positionSeconds / whole) : 0.0f;
     canvas.fillRect({box.x, box.y, static_cast<int>(box.width * played), box.height}, lcdColor(st));
     if (st.onStation || st.totalSongCount <= 0)
         return;

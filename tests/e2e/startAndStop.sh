@@ -42,7 +42,7 @@ xvfb)
     command -v xvfb-run >/dev/null || { echo "xvfb-run missing"; exit 77; }
     # The dummy driver: a machine under test may have no sound card, and the box that says so
     # would wait for a click.
-    SDL_AUDIODRIVER=dummy xvfb-run -a -s "-screen 0 1024x768x24" bash -c '
+    SDL_AUDIODRIVER=dummy xvfb-run -a -s "-screen 0 1024x768x24 -noreset" bash -c '
         "$0" & pid=$!
         for _ in $(seq 300); do
             xdotool search --name "^Marble Tunnel Radio$" >/dev/null 2>&1 && break
