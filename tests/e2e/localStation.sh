@@ -4,9 +4,17 @@
 # log must name it and two of its running titles. Then the station stops: the player must log
 # the end of its stream, move on when the segment ends, and move on again 3 s after the dead
 # station fails to load.
+# Under Xvfb (when it is installed) the window's frames during the song and during the station
+# are left in the current folder (build/tests under ctest), and the LCD must differ between them.
 # Usage: localStation.sh PLAYER
 set -uo pipefail
-player="$1"
+player="$(realpath "$1")"
+shots="$PWD"
+# An X server of its own for the whole script; -noreset keeps it up between its clients.
+if [ -z "${LOCAL_STATION_DISPLAY:-}" ] && command -v xvfb-run >/dev/null &&
+    command -v xdotool >/dev/null; then
+    LOCAL_STATION_DISPLAY=1 exec xvfb-run -a -s "-screen 0 1024x768x24 -noreset" "$0" "$@"
+fi
 tools="$(cd "$(dirname "$0")/../../tools" && pwd)"
 work="$(mktemp -d)"
 chmod 755 "$work" # icecast2 runs as its own user
@@ -48,10 +56,30 @@ cat >"$game/data/MusicSettings.json" <<EOF
 }
 EOF
 cd "$game/data"
-QT_QPA_PLATFORM=offscreen SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
+platform=offscreen
+[ -n "${LOCAL_STATION_DISPLAY:-}" ] && platform=xcb
+QT_QPA_PLATFORM=$platform SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
 pids+=($!)
+# The LCD of the window in a frame saved as $1, as a sum; nothing without a display.
+lcdOf() {
+    [ "$platform" = xcb ] || return 0
+    local id
+    id="$(xdotool search --onlyvisible --name "^Marble Tunnel Radio$" | head -1)"
+    [ -n "$id" ] || return 1
+    eval "$(xdotool getwindowgeometry --shell "$id")"
+    ffmpeg -nostdin -loglevel error -y -f x11grab -draw_mouse 0 -video_size "${WIDTH}x$HEIGHT" \
+        -i "$DISPLAY+$X,$Y" -frames:v 1 "$shots/$1" &&
+        ffmpeg -nostdin -loglevel error -i "$shots/$1" -vf "crop=$((WIDTH * 490 / 500)):$((HEIGHT * 85 / 155)):$((WIDTH * 2 / 500)):$((HEIGHT * 12 / 155)),format=rgb24" -f rawvideo - | md5sum
+}
+songPlays() { logs "Fading in to volume" && ! logs "Local Tone FM"; }
+waitUpTo 300 songPlays || fail "the song did not fade in"
+sleep 1
+songLcd="$(lcdOf screen-song.png)" || fail "no frame of the song"
 heard() { logs "Local Tone FM" && [ "$(grep -o "Tone number [0-9]*" "$log" | sort -u | wc -l)" -ge 2 ]; }
 waitUpTo 450 heard || fail "the log does not name the station and two of its titles within 45 s"
+stationLcd="$(lcdOf screen-station.png)" || fail "no frame of the station"
+[ "$platform" = offscreen ] || [ "$songLcd" != "$stationLcd" ] ||
+    fail "the front page did not change from the song to the station"
 
 kill -TERM "${pids[0]}"
 waitUpTo 150 logs "Internet stream .* ends" || fail "the end of the stream is not logged"
