@@ -46,4 +46,9 @@ void closeMainWindow() {
         installed->closeMainWindow();
 }
 
+void openDialog(int id) {
+    if (installed)
+        installed->openDialog(id);
+}
+
 } // namespace host

@@ -42,6 +42,8 @@ struct Port {
     virtual void playerChanged(PlayerChange what) = 0;
     // Closes the main window as its close box does: the player shuts down once and exits 0.
     virtual void closeMainWindow() = 0;
+    // Opens a new window of the option dialog with this command id, owned by the main window.
+    virtual void openDialog(int id) = 0;
 };
 
 // The port stays owned by the caller; pass nullptr to remove it. Returns the one it replaced.
@@ -53,5 +55,6 @@ void invalidate(const Rect* rect, bool erase);
 void messageBox(const std::string& text, const std::string& title, Icon icon, bool owned);
 void notifyPlayerChanged(PlayerChange what);
 void closeMainWindow();
+void openDialog(int id);
 
 } // namespace host

@@ -6,6 +6,7 @@
 #include "core/startup.h"
 #include "core/windowEvents.h"
 #include "display/layout.h"
+#include "platform/dialogWindows.h"
 #include "platform/qtBitmaps.h"
 #include "platform/qtCanvas.h"
 #include "platform/qtFonts.h"
@@ -187,6 +188,10 @@ void QtBackend::playerChanged(host::PlayerChange what) {
 void QtBackend::closeMainWindow() {
     // Queued: the press that asks for it is still being handled by the window.
     QMetaObject::invokeMethod(&window_, &QWidget::close, Qt::QueuedConnection);
+}
+
+void QtBackend::openDialog(int id) {
+    openDialogWindow(&window_, id);
 }
 
 void QtBackend::listenToPlayer(std::function<void(host::PlayerChange)> listener) {

@@ -76,6 +76,7 @@ class QtBackend : public host::Port {
                     bool owned) override;
     void playerChanged(host::PlayerChange what) override;
     void closeMainWindow() override;
+    void openDialog(int id) override;
     // The screen and the desktop's media controls hear every change here instead of polling.
     void listenToPlayer(std::function<void(host::PlayerChange)> listener);
 

@@ -1,3 +1,4 @@
+#include "core/commands.h"
 #include "core/playerState.h"
 #include "core/windowEvents.h"
 #include "platform/qtHost.h"
@@ -69,6 +70,37 @@ TEST(QuitSignals, DuringTheStartUpWaitUntilItHasRunAndThenCloseOnce) {
     EXPECT_TRUE(host.window.finishStartup());
     host.window.close();
     EXPECT_TRUE(host.window.hasShutDown());
+}
+
+} // namespace
+
+namespace {
+
+// Each menu command of a dialog opens one more window of it, in front of the player and owned by
+// it; the radio options keep their size.
+TEST(QtBackend, DialogCommandsOpenAWindowEachTime) {
+    Host host;
+    runCommand(host.st, command::visualDialog);
+    runCommand(host.st, command::visualDialog);
+    runCommand(host.st, command::radioDialog);
+    auto dialogs = [&] {
+        std::vector<QWidget*> windows;
+        for (QWidget* child : host.window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            if (child->isWindow())
+                windows.push_back(child);
+        return windows;
+    };
+    std::vector<QWidget*> windows = dialogs();
+    ASSERT_EQ(windows.size(), 3u);
+    EXPECT_EQ(windows[0]->windowTitle(), "Visual Options");
+    EXPECT_EQ(windows[1]->windowTitle(), "Visual Options");
+    EXPECT_EQ(windows[0]->size(), QSize(604, 451)); // 620 by 490 outside a Windows frame
+    EXPECT_TRUE(windows[0]->isVisible());
+    EXPECT_EQ(windows[2]->windowTitle(), "Radio Option");
+    EXPECT_EQ(windows[2]->minimumSize(), windows[2]->maximumSize());
+    windows[0]->close();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(dialogs().size(), 2u);
 }
 
 } // namespace

@@ -29,10 +29,12 @@ class RecordingPlatform : public host::Port {
     }
     void playerChanged(host::PlayerChange what) override { changes.push_back(what); }
     void closeMainWindow() override { ++closeRequests; }
+    void openDialog(int id) override { dialogs.push_back(id); }
 
     std::vector<Box> boxes;
     std::vector<host::PlayerChange> changes;
     int closeRequests = 0;
+    std::vector<int> dialogs;
 
   private:
     host::Port* previous_ = nullptr;
