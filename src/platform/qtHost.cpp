@@ -7,6 +7,7 @@
 #include "core/windowEvents.h"
 #include "display/layout.h"
 #include "platform/dialogWindows.h"
+#include "platform/menus.h"
 #include "platform/qtBitmaps.h"
 #include "platform/qtCanvas.h"
 #include "platform/qtFonts.h"
@@ -45,9 +46,6 @@ QIcon makeAppIcon() {
     p.drawEllipse(QPoint(24, 20), 4, 4);
     return QIcon(pixmap);
 }
-
-// Menus arrive with the command table; the client area keeps its full height until then.
-void createMenus(MainWindow&) {}
 
 } // namespace
 
@@ -236,7 +234,7 @@ int runPlayer(int argc, char** argv) {
     }
     window.setWindowOpacity((st->windowAlpha & 0xff) / 255.0);
     startMainTimers(*st);
-    createMenus(window);
+    createMenus(window, *st);
     window.show();
     return app.exec();
 }

@@ -48,10 +48,11 @@ env -u QT_QPA_PLATFORM SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
 pid=$!
 findWindow() { id="$(xdotool search --onlyvisible --name "^Marble Tunnel Radio$" | head -1)"; }
 waitUpTo 300 findWindow || fail "no window titled Marble Tunnel Radio"
-# With no menu bar yet the client area is the whole window.
 eval "$(xdotool getwindowgeometry --shell "$id")"
+# The menu bar stands over the client area: x and y of a grid point in the window.
+top=0
 px() { echo $(($1 * WIDTH / 500)); }
-py() { echo $(($1 * HEIGHT / 155)); }
+py() { echo $((top + $1 * (HEIGHT - top) / 155)); }
 grab() {
     ffmpeg -nostdin -loglevel error -y -f x11grab -draw_mouse 0 -video_size "${WIDTH}x$HEIGHT" \
         -i "$DISPLAY+$X,$Y" -frames:v 1 "$1"
@@ -63,7 +64,7 @@ pixel() {
 }
 lcdSum() {
     ffmpeg -nostdin -loglevel error -i "$1" \
-        -vf "crop=$(px 490):$(py 85):$(px 2):$(py 12),format=rgb24" -f rawvideo - | md5sum
+        -vf "crop=$(px 490):$(((HEIGHT - top) * 85 / 155)):$(px 2):$(py 12),format=rgb24" -f rawvideo - | md5sum
 }
 drawn() { grep -c "Drawn song:" "$log"; }
 
@@ -71,6 +72,10 @@ drawn() { grep -c "Drawn song:" "$log"; }
 before="$shots/screen-before.png"
 painted() { grab "$before" && [ "$(pixel "$before" 1 153)" != "0 0 0" ]; }
 waitUpTo 100 painted || fail "the window shows no frame"
+# The client area starts at the first dark row of the window's last column, past the light bar.
+top="$(ffmpeg -nostdin -loglevel error -i "$before" -vf "crop=1:$HEIGHT:$((WIDTH - 1)):0,format=gray" \
+    -f rawvideo - | od -An -v -tu1 -w1 | awk '$1 < 100 { print NR - 1; exit }')"
+[ -n "$top" ] && [ "$top" -lt $((HEIGHT / 2)) ] || fail "no client area below the menu bar"
 [ "$(drawn)" -ge 1 ] || fail "no first song was drawn"
 
 songs="$(drawn)"

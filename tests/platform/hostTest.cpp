@@ -1,12 +1,15 @@
 #include "core/commands.h"
 #include "core/playerState.h"
 #include "core/windowEvents.h"
+#include "platform/menus.h"
 #include "platform/qtHost.h"
 #include "platform/qtSignals.h"
 #include "support/output.h"
 #include "support/tempDir.h"
 
 #include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <tuple>
@@ -101,6 +104,66 @@ TEST(QtBackend, DialogCommandsOpenAWindowEachTime) {
     windows[0]->close();
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(dialogs().size(), 2u);
+}
+
+} // namespace
+
+namespace {
+
+TEST(Menus, HoldEveryCommandInOrderRunThemAndTakeTheirHeightFromTheClientArea) {
+    Host host;
+    host.window.resize(500, 155);
+    createMenus(host.window, host.st);
+    host.window.show();
+    QApplication::processEvents();
+    std::vector<std::string> seen;
+    for (QAction* menu : host.window.menuBar()->actions()) {
+        seen.push_back("[" + menu->text().toStdString() + "]");
+        for (QAction* entry : menu->menu()->actions())
+            seen.push_back(entry->text().toStdString());
+    }
+    const std::vector<std::string> expected{"[File]",
+                                            "Select Local Folders",
+                                            "Select Internet URL",
+                                            "Exit",
+                                            "[Playback]",
+                                            "Play/Pause",
+                                            "Start",
+                                            "Stop",
+                                            "Next Song",
+                                            "Previous Song",
+                                            "Next Sound Font",
+                                            "Previous Sound Font",
+                                            "Next Play List",
+                                            "Previous Play List",
+                                            "[Settings]",
+                                            "Radio",
+                                            "Favorites",
+                                            "Hotkeys \\ Game Controllers",
+                                            "Display",
+                                            "[Song Info]",
+                                            "View",
+                                            "[Marble Tunnel]",
+                                            "Play Marble Tunnel ",
+                                            "Merge Favorites",
+                                            "Sync Music Library",
+                                            "[About]",
+                                            "About Marble Tunnel Radio",
+                                            "[Update]",
+                                            "Check For Updates"};
+    EXPECT_EQ(seen, expected);
+
+    EXPECT_EQ(host.window.height(), 155);
+    EXPECT_LT(host.st.clientHeight, 155);
+    EXPECT_LT(host.st.scaleY, 1.0f);
+
+    QAction* display = host.window.menuBar()->actions()[2]->menu()->actions()[3];
+    display->trigger();
+    display->trigger();
+    int visual = 0;
+    for (QWidget* child : host.window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        visual += child->isWindow() && child->windowTitle() == "Visual Options";
+    EXPECT_EQ(visual, 2);
 }
 
 } // namespace
