@@ -4,6 +4,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 // The action table, its keys and controller inputs, and the type-ahead search.
 struct InputState : RadioState {
@@ -12,7 +13,8 @@ struct InputState : RadioState {
     int rumbleTime = 500;
     int rumbleTimeToggle = 100;
 
-    std::array<HotkeyBinding, hotkeyRowCount> hotkeyTable{};
+    // Never fewer than 30 rows, ids 0 to 29; rows a file had past them are kept and saved back.
+    std::vector<HotkeyBinding> hotkeyTable = std::vector<HotkeyBinding>(hotkeyRowCount);
     bool volumeUpLatch = false;
     bool volumeDownLatch = false;
     // The controllers themselves belong to the platform; the logic knows them by slot and name.

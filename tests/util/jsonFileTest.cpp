@@ -3,6 +3,7 @@
 #include "core/libraryEdits.h"
 #include "core/playerState.h"
 #include "core/shutdown.h"
+#include "input/hotkeys.h"
 #include "library/cache.h"
 #include "library/favorites.h"
 #include "library/history.h"
@@ -26,7 +27,25 @@ namespace {
 
 const std::string cache = "musicLibraryCache.json", favorites = "favorite.json",
                   history = "Song History.json", stations = "InternetStations.json",
-                  colors = "colors.json", config = "config.json", settings = "MusicSettings.json";
+                  colors = "colors.json", config = "config.json", settings = "MusicSettings.json",
+                  hotkeys = "hotkeyConfig.json";
+
+// A hotkey file of `count` rows; row i binds key i + 60 when i is in `bound`, with extra fields
+// text where given.
+std::string hotkeyRows(int count, std::initializer_list<int> bound = {}, int odd = -1,
+                       const std::string& oddRow = "") {
+    std::string text = "[";
+    for (int id = 0; id < count; ++id) {
+        const bool isBound = std::find(bound.begin(), bound.end(), id) != bound.end();
+        text += id ? "," : "";
+        text += id == odd ? oddRow
+                          : R"({"alt": false, "ctrl": )" + std::string(isBound ? "true" : "false") +
+                                R"(, "gameControllerButton": -1, "gameControllerTrigger": -1,)"
+                                R"( "shift": false, "vkKey": )" +
+                                std::to_string(isBound ? id + 60 : 0) + "}";
+    }
+    return text + "]";
+}
 
 // The settings of a saved text that differ from a fresh player's, as key=value.
 std::string changedSettings(const std::string& text) {
@@ -75,6 +94,14 @@ std::string readPlayerFile(const std::string& file, const TempDir& dir) {
         EXPECT_TRUE(loadStations(st, path));
         keepEach(st.radioStations, [](auto& station) { return station.name; });
         saveStations(st, path);
+    } else if (file == hotkeys) {
+        EXPECT_TRUE(loadHotkeys(st, path));
+        for (std::size_t id = 0; id < st.hotkeyTable.size(); ++id)
+            if (st.hotkeyTable[id].vkKey != 0)
+                keep(std::to_string(id) + ":" + std::to_string(st.hotkeyTable[id].vkKey));
+        if (st.hotkeyTable.size() != hotkeyRowCount)
+            keep("rows:" + std::to_string(st.hotkeyTable.size()));
+        saveHotkeys(st, path);
     } else if (file == colors) {
         std::vector<ColorEntry> read = loadColors(path);
         keepEach(read, [](auto& color) { return color.name; });
@@ -171,6 +198,17 @@ const Stored storedFiles[] = {
     {"configOneKey", config, R"({"soundFontDirectoryPath": "/fonts"})",
      R"({"marbleTunnelPath": "", "soundFontDirectoryPath": "/fonts"})"},
     {"settings", settings, everySettingChanged},
+    {"hotkeys", hotkeys, hotkeyRows(30, {0, 11, 29}), "", true},
+    // Ids past the file's rows keep their bindings; rows past the 30th are kept and saved.
+    {"hotkeysFiveRows", hotkeys, hotkeyRows(5, {4}), hotkeyRows(30, {4})},
+    {"hotkeysThirtyOneRows", hotkeys, hotkeyRows(31, {30}), "", true},
+    {"hotkeysNumbersCut", hotkeys,
+     hotkeyRows(2, {}, 1,
+                R"({"alt": true, "ctrl": false, "gameControllerButton": 2.7,
+                    "gameControllerTrigger": true, "shift": false, "vkKey": 65.9})"),
+     hotkeyRows(30, {}, 1,
+                R"({"alt": true, "ctrl": false, "gameControllerButton": 2,
+                    "gameControllerTrigger": 1, "shift": false, "vkKey": 65})")},
 };
 
 INSTANTIATE_TEST_SUITE_P(Files, PlayerFiles, testing::ValuesIn(storedFiles),
@@ -198,8 +236,9 @@ std::string with(std::string text, const std::string& from, const std::string& t
 
 std::vector<Stored> damagedFiles() {
     const std::pair<const char*, std::string> files[] = {
-        {"cache", cache},   {"favorites", favorites}, {"history", history},  {"stations", stations},
-        {"colors", colors}, {"config", config},       {"settings", settings}};
+        {"cache", cache},       {"favorites", favorites}, {"history", history},
+        {"stations", stations}, {"colors", colors},       {"config", config},
+        {"settings", settings}, {"hotkeys", hotkeys}};
     std::vector<Stored> table;
     for (const auto& [tag, file] : files) {
         table.push_back({tag + std::string("NotJson"), file, "{\"a\": [", ""});
@@ -255,6 +294,16 @@ std::vector<Stored> damagedFiles() {
         {"stationsKeyOfWrongType", stations, list(with(station, ": 1", ": \"3\""), station), "S"},
         {"stationsHugeNumber", stations, list(with(station, ": 1", ": 1e20"), station), "S"},
         {"colorsRootObject", colors, "{\"a\": " + color + "}", ""},
+        {"hotkeysRootObject", hotkeys, R"({"0": {"vkKey": 65}})", ""},
+        // A damaged row keeps its id's binding; the rows after it stay at their ids.
+        {"hotkeysKeyOfWrongType", hotkeys,
+         hotkeyRows(5, {0, 1, 2, 4}, 3, R"({"alt": false, "ctrl": false, "gameControllerButton": -1,
+             "gameControllerTrigger": -1, "shift": false, "vkKey": "x"})"),
+         "0:60 1:61 2:62 4:64"},
+        {"hotkeysFlagNotABoolean", hotkeys,
+         hotkeyRows(2, {0}, 1, R"({"alt": 1, "ctrl": false, "gameControllerButton": -1,
+             "gameControllerTrigger": -1, "shift": false, "vkKey": 61})"),
+         "0:60"},
         {"colorsKeyMissing", colors, list(R"({"name": "X", "r": 1})", color), "Black"},
         {"colorsKeyOfWrongType", colors, list(with(color, "\"Black\"", "7"), color), "Black"},
         {"colorsHugeNumber", colors, list(with(color, "\"r\": 0", "\"r\": 1e99"), color), "Black"},
