@@ -51,4 +51,8 @@ void openDialog(int id) {
         installed->openDialog(id);
 }
 
+bool keyIsDown(int vk) {
+    return installed && installed->keyIsDown(vk);
+}
+
 } // namespace host

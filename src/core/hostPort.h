@@ -44,6 +44,9 @@ struct Port {
     virtual void closeMainWindow() = 0;
     // Opens a new window of the option dialog with this command id, owned by the main window.
     virtual void openDialog(int id) = 0;
+    // Whether the key of this Windows virtual-key code is down now, whichever window has the
+    // focus; false where the window system cannot tell.
+    virtual bool keyIsDown(int vk) = 0;
 };
 
 // The port stays owned by the caller; pass nullptr to remove it. Returns the one it replaced.
@@ -56,5 +59,6 @@ void messageBox(const std::string& text, const std::string& title, Icon icon, bo
 void notifyPlayerChanged(PlayerChange what);
 void closeMainWindow();
 void openDialog(int id);
+bool keyIsDown(int vk);
 
 } // namespace host

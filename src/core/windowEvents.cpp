@@ -5,6 +5,7 @@
 #include "core/transport.h"
 #include "display/layout.h"
 #include "display/screen.h"
+#include "input/actionSteps.h"
 #include "playback/tags.h"
 #include "radio/segments.h"
 
@@ -113,9 +114,11 @@ void onTimer(PlayerState& st, int id) {
         schedulePolling(st);
         break;
     case host::timerVolumeLatch:
+        releaseVolumeLatches(st, host::keyIsDown);
+        schedulePolling(st);
+        break;
     case host::timerPoll:
-        // The volume latches, the game link, controllers and search keys join these ticks with
-        // their features.
+        // The game link, controllers and search keys join this tick with their features.
         schedulePolling(st);
         break;
     case host::timerStationTags:

@@ -192,6 +192,12 @@ void QtBackend::openDialog(int id) {
     openDialogWindow(&window_, id);
 }
 
+// The global key state arrives with the X11 hotkeys; until then every key reads as up, so a
+// keyboard volume latch lets go at the next tick.
+bool QtBackend::keyIsDown(int) {
+    return false;
+}
+
 void QtBackend::listenToPlayer(std::function<void(host::PlayerChange)> listener) {
     listeners_.push_back(std::move(listener));
 }

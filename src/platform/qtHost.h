@@ -77,6 +77,7 @@ class QtBackend : public host::Port {
     void playerChanged(host::PlayerChange what) override;
     void closeMainWindow() override;
     void openDialog(int id) override;
+    bool keyIsDown(int vk) override;
     // The screen and the desktop's media controls hear every change here instead of polling.
     void listenToPlayer(std::function<void(host::PlayerChange)> listener);
 

@@ -1,6 +1,7 @@
 #pragma once
 #include "core/hostPort.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,11 +31,13 @@ class RecordingPlatform : public host::Port {
     void playerChanged(host::PlayerChange what) override { changes.push_back(what); }
     void closeMainWindow() override { ++closeRequests; }
     void openDialog(int id) override { dialogs.push_back(id); }
+    bool keyIsDown(int vk) override { return keysDown.count(vk) != 0; }
 
     std::vector<Box> boxes;
     std::vector<host::PlayerChange> changes;
     int closeRequests = 0;
     std::vector<int> dialogs;
+    std::set<int> keysDown;
 
   private:
     host::Port* previous_ = nullptr;

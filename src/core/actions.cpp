@@ -1,0 +1,146 @@
+#include "core/actions.h"
+
+#include "core/audioStart.h"
+#include "core/hostPort.h"
+#include "core/playerState.h"
+#include "core/transport.h"
+#include "core/volume.h"
+#include "core/windowEvents.h"
+#include "display/pages.h"
+#include "input/actionSteps.h"
+#include "playback/audioSetup.h"
+#include "playback/engine/engine.h"
+
+namespace {
+
+enum class Route { Keyboard, Controller };
+
+Song* currentSong(PlayerState& st) {
+    if (st.playingPlaylist < 0 || st.playingPlaylist >= static_cast<int>(st.playlists.size()))
+        return nullptr;
+    std::vector<Song>& songs = st.playlists[st.playingPlaylist].songs;
+    if (st.playingSong < 0 || st.playingSong >= static_cast<int>(songs.size()))
+        return nullptr;
+    return &songs[st.playingSong];
+}
+
+// On the keyboard a station's count never changes; on a controller it does.
+void countFavorite(PlayerState& st, Route route, bool up) {
+    auto count = [up](int& favoriteCount, int& flag) {
+        up ? countUp(favoriteCount, flag) : countDown(favoriteCount, flag);
+    };
+    if (!st.onStation) {
+        if (Song* song = currentSong(st))
+            count(song->favoriteCount, song->isFavorite);
+    } else if (route == Route::Controller && st.currentStation >= 0 &&
+               st.currentStation < static_cast<int>(st.radioStations.size())) {
+        RadioStation& station = st.radioStations[st.currentStation];
+        count(station.favoriteCount, station.favorite);
+    }
+    if (route == Route::Controller)
+        st.buttonsDirty = true;
+}
+
+// Whatever plays stops with the audio closed; with nothing playing the audio comes back and a
+// song starts.
+void stopOrStart(PlayerState& st) {
+    bool playing = false;
+    for (ChannelHandle handle :
+         {st.musicStream, st.musicStreamNext, st.trackerStream, st.trackerStreamNext})
+        if (channelIsActive(handle) == ChannelState::Playing) {
+            playing = true;
+            break;
+        }
+    if (playing) {
+        freeAudio(st);
+        host::notifyPlayerChanged(host::PlayerChange::PlayState);
+    } else {
+        initAudio(st);
+        startPlayback(st);
+    }
+    st.buttonsDirty = true;
+}
+
+// A keyboard step holds its latch until the chord is let go, so a held key steps once; timer 2
+// watches for that.
+void stepVolume(PlayerState& st, Route route, bool up) {
+    if (route == Route::Keyboard) {
+        bool& latch = up ? st.volumeUpLatch : st.volumeDownLatch;
+        if (latch)
+            return;
+        latch = true;
+        st.volume = steppedVolume(st.volume, up ? 0.05 : -0.05);
+        applyVolume(st);
+        schedulePolling(st);
+        return;
+    }
+    st.volume = steppedVolume(st.volume, up ? 0.01 : -0.01);
+    applyVolume(st);
+    st.lcdDirty = true;
+}
+
+void runAction(PlayerState& st, int id, Route route) {
+    switch (id) {
+    case action::nextSong:
+        startTransition(st);
+        break;
+    case action::previousSong:
+        previousSong(st);
+        break;
+    case action::playPause:
+        togglePause(st);
+        if (route == Route::Controller)
+            st.buttonsDirty = true;
+        break;
+    case action::stopStart:
+        stopOrStart(st);
+        break;
+    case action::volumeToggle:
+        if (route == Route::Keyboard) {
+            startPlayback(st); // over what plays, as the key always did
+        } else {
+            toggleVolumeLevel(st);
+            st.lcdDirty = true;
+        }
+        break;
+    case action::nextSoundFont:
+        stepSoundFont(st, +1);
+        break;
+    case action::previousSoundFont:
+        stepSoundFont(st, -1);
+        break;
+    case action::favoriteUp:
+    case action::favoriteDown:
+        countFavorite(st, route, id == action::favoriteUp);
+        break;
+    case action::quit:
+        // The window's close path: one shutdown, exit code 0.
+        host::closeMainWindow();
+        break;
+    case action::volumeUp:
+    case action::volumeDown:
+        stepVolume(st, route, id == action::volumeUp);
+        break;
+    case action::home:
+        goHome(st);
+        break;
+    case action::nextStation:
+        nextPlaylist(st);
+        break;
+    case action::previousStation:
+        previousPlaylist(st);
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+void runKeyboardAction(PlayerState& st, int id) {
+    runAction(st, id, Route::Keyboard);
+}
+
+void runControllerAction(PlayerState& st, int id) {
+    runAction(st, id, Route::Controller);
+}
