@@ -8,6 +8,7 @@
 #include "core/windowEvents.h"
 #include "display/pages.h"
 #include "input/actionSteps.h"
+#include "library/model.h"
 #include "playback/audioSetup.h"
 #include "playback/engine/engine.h"
 
@@ -15,22 +16,13 @@ namespace {
 
 enum class Route { Keyboard, Controller };
 
-Song* currentSong(PlayerState& st) {
-    if (st.playingPlaylist < 0 || st.playingPlaylist >= static_cast<int>(st.playlists.size()))
-        return nullptr;
-    std::vector<Song>& songs = st.playlists[st.playingPlaylist].songs;
-    if (st.playingSong < 0 || st.playingSong >= static_cast<int>(songs.size()))
-        return nullptr;
-    return &songs[st.playingSong];
-}
-
 // On the keyboard a station's count never changes; on a controller it does.
 void countFavorite(PlayerState& st, Route route, bool up) {
     auto count = [up](int& favoriteCount, int& flag) {
         up ? countUp(favoriteCount, flag) : countDown(favoriteCount, flag);
     };
     if (!st.onStation) {
-        if (Song* song = currentSong(st))
+        if (Song* song = findSong(st, {st.playingPlaylist, st.playingSong}))
             count(song->favoriteCount, song->isFavorite);
     } else if (route == Route::Controller && st.currentStation >= 0 &&
                st.currentStation < static_cast<int>(st.radioStations.size())) {

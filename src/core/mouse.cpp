@@ -9,6 +9,7 @@
 #include "display/pages.h"
 #include "input/controllers.h"
 #include "library/favorites.h"
+#include "library/model.h"
 #include "playback/engine/engine.h"
 
 #include <array>
@@ -49,15 +50,6 @@ void seekTo(PlayerState& st, int x) {
     invalidateBox(bar);
 }
 
-Song* playingSong(PlayerState& st) {
-    if (st.playingPlaylist < 0 || st.playingPlaylist >= static_cast<int>(st.playlists.size()))
-        return nullptr;
-    std::vector<Song>& songs = st.playlists[st.playingPlaylist].songs;
-    if (st.playingSong < 0 || st.playingSong >= static_cast<int>(songs.size()))
-        return nullptr;
-    return &songs[st.playingSong];
-}
-
 // Heart 0 counts the song, heart 1 its playlist; on a station both count the station.
 void countHeart(PlayerState& st, int heart, bool up) {
     if (st.onStation) {
@@ -65,7 +57,7 @@ void countHeart(PlayerState& st, int heart, bool up) {
             up ? countFavoriteUp(st.radioStations[st.currentStation])
                : countFavoriteDown(st.radioStations[st.currentStation]);
     } else if (heart == 0) {
-        if (Song* song = playingSong(st))
+        if (Song* song = findSong(st, {st.playingPlaylist, st.playingSong}))
             up ? countFavoriteUp(*song) : countFavoriteDown(*song);
     } else if (st.playingPlaylist >= 0 &&
                st.playingPlaylist < static_cast<int>(st.playlists.size())) {

@@ -6,6 +6,7 @@
 #include "display/palette.h"
 #include "display/panels.h"
 #include "display/pathLine.h"
+#include "library/model.h"
 
 #include <cstdio>
 
@@ -46,12 +47,7 @@ void keepVolumeHeadline(DisplayState& st) {
 }
 
 const Song* playingSongOf(const DisplayState& st) {
-    if (st.playingPlaylist < 0 || st.playingPlaylist >= static_cast<int>(st.playlists.size()))
-        return nullptr;
-    const std::vector<Song>& songs = st.playlists[st.playingPlaylist].songs;
-    if (st.playingSong < 0 || st.playingSong >= static_cast<int>(songs.size()))
-        return nullptr;
-    return &songs[st.playingSong];
+    return findSong(st, {st.playingPlaylist, st.playingSong});
 }
 
 const RadioStation* playingStationOf(const DisplayState& st) {

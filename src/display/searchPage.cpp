@@ -20,13 +20,8 @@ void drawSearchPage(Canvas& canvas, DisplayState& st) {
     // Only the shown page's titles are made: a search may find most of the library.
     const std::size_t first = static_cast<std::size_t>(st.listPage + 1) * 10;
     std::vector<std::string> titles;
-    for (std::size_t i = first; i < first + 10 && i < st.searchResults.size(); ++i) {
-        const SongRef ref = st.searchResults[i];
-        if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size()))
-            continue;
-        const auto& songs = st.playlists[ref.plistIndex].songs;
-        if (ref.songIndex >= 0 && ref.songIndex < static_cast<int>(songs.size()))
-            titles.push_back(titleFromPath(songs[ref.songIndex].songPath));
-    }
+    for (std::size_t i = first; i < first + 10 && i < st.searchResults.size(); ++i)
+        if (const Song* song = findSong(st, st.searchResults[i]))
+            titles.push_back(titleFromPath(song->songPath));
     drawCells(canvas, st, titles, 0);
 }

@@ -160,3 +160,7 @@ const Song* findSong(const LibraryState& st, SongRef ref) {
         return nullptr;
     return &songs[ref.songIndex];
 }
+
+Song* findSong(LibraryState& st, SongRef ref) {
+    return const_cast<Song*>(findSong(static_cast<const LibraryState&>(st), ref));
+}

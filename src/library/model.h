@@ -25,6 +25,7 @@ std::string titleCaseFolder(std::string_view name);
 std::string titleFromPath(std::string_view path);
 // The song a reference names, or null when it names none (a stale reference after a rescan).
 const Song* findSong(const LibraryState& st, SongRef ref);
+Song* findSong(LibraryState& st, SongRef ref);
 
 // Appends a history row and makes it the one that plays.
 void appendHistory(LibraryState& st, int songType, int songIndex, int plistIndex);
