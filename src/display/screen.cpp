@@ -8,6 +8,7 @@
 #include "display/pages.h"
 #include "display/palette.h"
 #include "display/panels.h"
+#include "input/keyNames.h"
 #include "playback/engine/engine.h"
 #include "radio/segments.h"
 
@@ -81,6 +82,19 @@ std::optional<int> playlistKindGlyph(const DisplayState& st) {
     return radio ? glyph::playlistRadio : glyph::playlistSongs;
 }
 
+// A controller symbol in its maker's colour.
+Color controllerColor(const DisplayState& st, int slot) {
+    switch (controllerFamily(st.controllerNames[slot])) {
+    case ControllerFamily::Xbox:
+        return {16, 124, 16};
+    case ControllerFamily::PlayStation:
+        return {0, 56, 135};
+    case ControllerFamily::Generic:
+        break;
+    }
+    return textColor(st);
+}
+
 void drawTransportRow(Canvas& canvas, DisplayState& st) {
     const Color text = textColor(st);
     drawSquareControl(canvas, st, 0, glyph::playPause, 246);
@@ -98,12 +112,11 @@ void drawTransportRow(Canvas& canvas, DisplayState& st) {
     const std::optional<int> kind = playlistKindGlyph(st);
     if (kind)
         st.controlRects[6] = drawGlyph(canvas, st, *kind, {368, 106, 15, 10}, 15, text);
-    // Coloured by the controller's family once the input layer tells families apart.
     const int controllers = std::min(st.controllerCount, static_cast<int>(maxControllers));
     for (int i = 0; i < controllers; ++i) {
         const int x = 368 - 20 * (kind ? 1 : 0) - 20 * i;
         st.controllerRects[i] =
-            drawGlyph(canvas, st, glyph::controller, {x, 106, 15, 10}, 15, text);
+            drawGlyph(canvas, st, glyph::controller, {x, 106, 15, 10}, 15, controllerColor(st, i));
     }
 }
 

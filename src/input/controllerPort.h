@@ -13,6 +13,8 @@ struct ControllerPort {
     virtual bool open(int slot, std::string& name) = 0;
     // Closes every controller that is open and stops the subsystem.
     virtual void closeAll() = 0;
+    // The system's own word for a game-controller button by index; empty when it has none.
+    virtual std::string buttonWord(int index) = 0;
 };
 
 // The port stays owned by the caller; pass nullptr to remove it. Returns the one it replaced.

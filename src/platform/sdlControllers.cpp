@@ -48,3 +48,9 @@ void SdlControllers::closeAll() {
         SDL_QuitSubSystem(SDL_INIT_GAMECONTROLLER);
     started_ = false;
 }
+
+std::string SdlControllers::buttonWord(int index) {
+    const char* word =
+        SDL_GameControllerGetStringForButton(static_cast<SDL_GameControllerButton>(index));
+    return word ? word : "";
+}

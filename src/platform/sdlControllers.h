@@ -19,6 +19,7 @@ class SdlControllers : public ControllerPort {
     int joystickCount() override;
     bool open(int slot, std::string& name) override;
     void closeAll() override;
+    std::string buttonWord(int index) override;
 
   private:
     std::array<_SDL_GameController*, maxControllers> open_{};

@@ -160,9 +160,17 @@ TEST_F(Screen, TallWindowsMoveTheTimeLineDownAndControllersStandBesideTheKindGly
     resize(500, 155);
     st.totalSongCount = 1;
     st.controllerCount = 3;
-    paint();
+    st.controllerNames = {"Xbox One", "DualSense", "Pad"};
+    const RecordingCanvas& pass = paint();
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(st.controllerRects[i].x, 348 - 20 * i);
+    const Color colors[] = {{16, 124, 16}, {0, 56, 135}, {255, 255, 255}};
+    int drawn = 0;
+    for (const auto* call : pass.texts())
+        if (call->text == "\U0001F3AE") {
+            EXPECT_EQ(call->color, colors[drawn++]);
+        }
+    EXPECT_EQ(drawn, 3);
 }
 
 // Every control answers at three sizes; the rectangles of an earlier pass keep answering.

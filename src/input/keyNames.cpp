@@ -1,0 +1,220 @@
+#include "input/keyNames.h"
+
+#include "input/controllerPort.h"
+#include "input/inputState.h"
+
+#include <array>
+
+namespace {
+
+// X keysyms by value, so that the logic needs no X header.
+constexpr std::uint32_t xkBackSpace = 0xFF08, xkTab = 0xFF09, xkReturn = 0xFF0D, xkPause = 0xFF13,
+                        xkScrollLock = 0xFF14, xkEscape = 0xFF1B, xkHome = 0xFF50, xkLeft = 0xFF51,
+                        xkUp = 0xFF52, xkRight = 0xFF53, xkDown = 0xFF54, xkPageUp = 0xFF55,
+                        xkPageDown = 0xFF56, xkEnd = 0xFF57, xkInsert = 0xFF63, xkMenu = 0xFF67,
+                        xkNumLock = 0xFF7F, xkKpEnter = 0xFF8D, xkKpMultiply = 0xFFAA,
+                        xkKpAdd = 0xFFAB, xkKpSeparator = 0xFFAC, xkKpSubtract = 0xFFAD,
+                        xkKpDecimal = 0xFFAE, xkKpDivide = 0xFFAF, xkKp0 = 0xFFB0, xkF1 = 0xFFBE,
+                        xkShiftL = 0xFFE1, xkShiftR = 0xFFE2, xkControlL = 0xFFE3,
+                        xkControlR = 0xFFE4, xkCapsLock = 0xFFE5, xkAltL = 0xFFE9, xkAltR = 0xFFEA,
+                        xkSuperL = 0xFFEB, xkSuperR = 0xFFEC, xkDelete = 0xFFFF;
+
+struct Named {
+    std::uint32_t vk;
+    std::vector<std::uint32_t> keysyms;
+};
+
+// The keys with a keysym of their own, by virtual-key code; letters, digits, the keypad and the
+// function keys follow from their ranges.
+const std::array<Named, 36> namedKeys{{
+    {8, {xkBackSpace}},
+    {9, {xkTab}},
+    {13, {xkReturn, xkKpEnter}},
+    {16, {xkShiftL, xkShiftR}},
+    {17, {xkControlL, xkControlR}},
+    {18, {xkAltL, xkAltR}},
+    {19, {xkPause}},
+    {20, {xkCapsLock}},
+    {27, {xkEscape}},
+    {32, {0x20}},
+    {33, {xkPageUp}},
+    {34, {xkPageDown}},
+    {35, {xkEnd}},
+    {36, {xkHome}},
+    {37, {xkLeft}},
+    {38, {xkUp}},
+    {39, {xkRight}},
+    {40, {xkDown}},
+    {45, {xkInsert}},
+    {46, {xkDelete}},
+    {91, {xkSuperL}},
+    {92, {xkSuperR}},
+    {93, {xkMenu}},
+    {144, {xkNumLock}},
+    {145, {xkScrollLock}},
+    {186, {';'}},
+    {187, {'=', '+'}}, // the key that types "=" and, shifted, "+"
+    {188, {','}},
+    {189, {'-'}},
+    {190, {'.'}},
+    {191, {'/'}},
+    {192, {'`'}},
+    {219, {'['}},
+    {220, {'\\'}},
+    {221, {']'}},
+    {222, {'\''}},
+}};
+
+const std::array<std::pair<std::uint32_t, const char*>, 40> keyWords{{
+    {8, "Backspace"},     {9, "Tab"},         {13, "Enter"},     {16, "Shift"},
+    {17, "Control"},      {18, "Alt"},        {19, "Pause"},     {20, "Caps Lock"},
+    {27, "Escape"},       {33, "Page Up"},    {34, "Page Down"}, {35, "End"},
+    {36, "Home"},         {37, "Left Arrow"}, {38, "Up Arrow"},  {39, "Right Arrow"},
+    {40, "Down Arrow"},   {45, "Insert"},     {46, "Delete"},    {91, "Left Win"},
+    {92, "Right Win"},    {93, "Apps"},       {106, "Multiply"}, {107, "Add"},
+    {109, "Subtract"},    {110, "Decimal"},   {111, "Divide"},   {144, "Num Lock"},
+    {145, "Scroll Lock"}, {186, ";"},         {187, "+"},        {188, ","},
+    {189, "-"},           {190, "."},         {191, "/"},        {192, "`"},
+    {219, "["},           {220, "\\"},        {221, "]"},        {222, "'"},
+}};
+
+// The printable character a key types with no modifier, as its keysym gives it; 0 for none.
+char typedCharacter(std::uint32_t keysym) {
+    if (keysym >= 0x20 && keysym <= 0x7E)
+        return static_cast<char>(keysym);
+    if (keysym >= xkKp0 && keysym <= xkKp0 + 9)
+        return static_cast<char>('0' + (keysym - xkKp0));
+    if (keysym >= xkKpMultiply && keysym <= xkKpDivide)
+        return "*+,-./"[keysym - xkKpMultiply];
+    return 0;
+}
+
+const std::array<const char*, 15> xboxButtons{"A",
+                                              "B",
+                                              "X",
+                                              "Y",
+                                              "Back",
+                                              "Guide",
+                                              "Start",
+                                              "Left Stick",
+                                              "Right Stick",
+                                              "Left Shoulder",
+                                              "Right Shoulder",
+                                              "DPad Up",
+                                              "DPad Down",
+                                              "DPad Left",
+                                              "DPad Right"};
+const std::array<const char*, 15> playStationButtons{
+    "Cross", "Circle", "Square", "Triangle", "Select",    "PS",        "Start",     "L3",
+    "R3",    "L1",     "R1",     "DPad Up",  "DPad Down", "DPad Left", "DPad Right"};
+
+constexpr int noController = -1;
+constexpr int leftTrigger = 4;
+constexpr int rightTrigger = 5;
+
+std::string triggerName(ControllerFamily family, int trigger) {
+    const bool left = trigger == leftTrigger;
+    switch (family) {
+    case ControllerFamily::Xbox:
+        return left ? "LT" : "RT";
+    case ControllerFamily::PlayStation:
+        return left ? "L2" : "R2";
+    case ControllerFamily::Generic:
+        break;
+    }
+    return left ? "Left Trigger" : "Right Trigger";
+}
+
+// The family of the controller in slot 0; false when none is open there.
+bool slotZeroFamily(const InputState& st, ControllerFamily& family) {
+    if (st.controllerNames[0].empty())
+        return false;
+    family = controllerFamily(st.controllerNames[0]);
+    return true;
+}
+
+} // namespace
+
+std::vector<std::uint32_t> keysymsOfVirtualKey(std::uint32_t vk) {
+    if ((vk >= '0' && vk <= '9'))
+        return {vk};
+    if (vk >= 'A' && vk <= 'Z')
+        return {vk + ('a' - 'A')};
+    if (vk >= 96 && vk <= 105)
+        return {xkKp0 + (vk - 96)};
+    if (vk >= 106 && vk <= 111)
+        return {xkKpMultiply + (vk - 106)};
+    if (vk >= 112 && vk <= 135) // F1 to F24
+        return {xkF1 + (vk - 112)};
+    for (const Named& key : namedKeys)
+        if (key.vk == vk)
+            return key.keysyms;
+    return {};
+}
+
+std::string keyName(std::uint32_t vk) {
+    if (vk >= 32 && vk <= 126) {
+        if ((vk >= 'A' && vk <= 'Z') || (vk >= '0' && vk <= '9'))
+            return std::string(1, static_cast<char>(vk));
+        const std::vector<std::uint32_t> keysyms = keysymsOfVirtualKey(vk);
+        if (!keysyms.empty())
+            if (char typed = typedCharacter(keysyms.front()))
+                return std::string(1, typed);
+    }
+    if (vk >= 96 && vk <= 105)
+        return "Numpad " + std::to_string(vk - 96);
+    if (vk >= 112 && vk <= 123)
+        return "F" + std::to_string(vk - 111);
+    for (const auto& [code, word] : keyWords)
+        if (code == vk)
+            return word;
+    return "Unknown";
+}
+
+ControllerFamily controllerFamily(const std::string& name) {
+    if (name.find("Xbox") != std::string::npos)
+        return ControllerFamily::Xbox;
+    if (name.find("DualSense") != std::string::npos || name.find("DualShock") != std::string::npos)
+        return ControllerFamily::PlayStation;
+    return ControllerFamily::Generic;
+}
+
+std::string buttonName(ControllerFamily family, int index) {
+    if (family == ControllerFamily::Generic) {
+        ControllerPort* port = controllerPort();
+        std::string word = port ? port->buttonWord(index) : "";
+        return word.empty() ? "Unknown Button" : word;
+    }
+    if (index < 0 || index >= 15)
+        return "Invalid";
+    return family == ControllerFamily::Xbox ? xboxButtons[index] : playStationButtons[index];
+}
+
+std::vector<InputEntry> fillInputList(const InputState& st) {
+    std::vector<InputEntry> list{{"None", noController}};
+    ControllerFamily family;
+    if (!slotZeroFamily(st, family))
+        return list;
+    for (int index = 0; index <= 20; ++index)
+        list.push_back({buttonName(family, index), index + 1});
+    list.push_back({triggerName(family, leftTrigger), 22});
+    list.push_back({triggerName(family, rightTrigger), 23});
+    return list;
+}
+
+int selectBoundInput(const std::vector<InputEntry>& list, const InputState& st, int button,
+                     int trigger) {
+    ControllerFamily family = ControllerFamily::Generic;
+    slotZeroFamily(st, family);
+    std::string wanted;
+    if (button != -1)
+        wanted = buttonName(family, button);
+    else if (trigger == leftTrigger || trigger == rightTrigger)
+        wanted = triggerName(family, trigger);
+    else
+        return -1;
+    for (std::size_t i = 0; i < list.size(); ++i)
+        if (list[i].first == wanted)
+            return static_cast<int>(i);
+    return -1;
+}
