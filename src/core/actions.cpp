@@ -136,3 +136,21 @@ void runKeyboardAction(PlayerState& st, int id) {
 void runControllerAction(PlayerState& st, int id) {
     runAction(st, id, Route::Controller);
 }
+
+void registerHotkeys(PlayerState& st) {
+    for (int id = 0; id < hotkeyRowCount; ++id) {
+        const HotkeyBinding& row = st.hotkeyTable[id];
+        const int modifiers = (row.ctrl ? 2 : 0) + (row.alt ? 1 : 0) + (row.shift ? 4 : 0);
+        host::registerHotkey(id, modifiers, row.vkKey);
+    }
+}
+
+void unregisterHotkeys(PlayerState&) {
+    for (int id = 0; id < hotkeyRowCount; ++id)
+        host::unregisterHotkey(id);
+}
+
+void reregisterHotkeys(PlayerState& st) {
+    unregisterHotkeys(st);
+    registerHotkeys(st);
+}

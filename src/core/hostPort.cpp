@@ -55,4 +55,14 @@ bool keyIsDown(int vk) {
     return installed && installed->keyIsDown(vk);
 }
 
+void registerHotkey(int id, int modifiers, std::uint32_t vk) {
+    if (installed)
+        installed->registerHotkey(id, modifiers, vk);
+}
+
+void unregisterHotkey(int id) {
+    if (installed)
+        installed->unregisterHotkey(id);
+}
+
 } // namespace host

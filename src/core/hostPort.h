@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <string>
 
 // What the logic asks of the window system, and what it tells it. The Qt host installs the real
@@ -47,6 +48,11 @@ struct Port {
     // Whether the key of this Windows virtual-key code is down now, whichever window has the
     // focus; false where the window system cannot tell.
     virtual bool keyIsDown(int vk) = 0;
+    // A system-wide chord for the action table's row id: modifiers 2 Ctrl, 1 Alt, 4 Shift,
+    // added; vk a Windows virtual-key code (0: no key). Its presses come back as
+    // runKeyboardAction(id). A chord another program holds never fires, unnoticed.
+    virtual void registerHotkey(int id, int modifiers, std::uint32_t vk) = 0;
+    virtual void unregisterHotkey(int id) = 0;
 };
 
 // The port stays owned by the caller; pass nullptr to remove it. Returns the one it replaced.
@@ -60,5 +66,7 @@ void notifyPlayerChanged(PlayerChange what);
 void closeMainWindow();
 void openDialog(int id);
 bool keyIsDown(int vk);
+void registerHotkey(int id, int modifiers, std::uint32_t vk);
+void unregisterHotkey(int id);
 
 } // namespace host

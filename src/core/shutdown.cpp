@@ -1,5 +1,6 @@
 #include "core/shutdown.h"
 
+#include "core/actions.h"
 #include "core/hostPort.h"
 #include "core/libraryEdits.h"
 #include "core/playerState.h"

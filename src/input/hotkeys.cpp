@@ -86,8 +86,3 @@ bool saveHotkeys(const InputState& st, const std::string& path) {
     }
     return true;
 }
-
-// The chords reach the window system with the X11 hotkeys.
-void registerHotkeys(InputState&) {}
-
-void unregisterHotkeys(InputState&) {}

@@ -9,7 +9,3 @@ struct InputState;
 bool loadHotkeys(InputState& st, const std::string& path);
 // Writes every row of hotkeyTable; false, after one line, when the file cannot be written.
 bool saveHotkeys(const InputState& st, const std::string& path);
-// Registers the chords of rows 0 to 29 with the window system.
-void registerHotkeys(InputState& st);
-// Gives the registered chords back to the window system.
-void unregisterHotkeys(InputState& st);

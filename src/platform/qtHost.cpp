@@ -13,6 +13,7 @@
 #include "platform/qtFonts.h"
 #include "platform/qtSignals.h"
 #include "platform/sdlControllers.h"
+#include "platform/x11Hotkeys.h"
 #include "util/log.h"
 
 #include <QApplication>
@@ -130,7 +131,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 QtBackend::QtBackend(PlayerState& st, MainWindow& window)
-    : st_(st), window_(window), previous_(host::installPort(this)) {}
+    : st_(st), window_(window), previous_(host::installPort(this)),
+      hotkeys_(std::make_unique<X11Hotkeys>(st)) {}
 
 QtBackend::~QtBackend() {
     host::installPort(previous_);
@@ -192,10 +194,16 @@ void QtBackend::openDialog(int id) {
     openDialogWindow(&window_, id);
 }
 
-// The global key state arrives with the X11 hotkeys; until then every key reads as up, so a
-// keyboard volume latch lets go at the next tick.
-bool QtBackend::keyIsDown(int) {
-    return false;
+bool QtBackend::keyIsDown(int vk) {
+    return hotkeys_->keyIsDown(vk);
+}
+
+void QtBackend::registerHotkey(int id, int modifiers, std::uint32_t vk) {
+    hotkeys_->registerHotkey(id, modifiers, vk);
+}
+
+void QtBackend::unregisterHotkey(int id) {
+    hotkeys_->unregisterHotkey(id);
 }
 
 void QtBackend::listenToPlayer(std::function<void(host::PlayerChange)> listener) {

@@ -11,6 +11,7 @@
 
 struct PlayerState;
 class QTimer;
+class X11Hotkeys;
 class QtBitmapStore;
 
 // The central widget: the player's client area. Paint, presses and size go to the logic; the
@@ -78,6 +79,8 @@ class QtBackend : public host::Port {
     void closeMainWindow() override;
     void openDialog(int id) override;
     bool keyIsDown(int vk) override;
+    void registerHotkey(int id, int modifiers, std::uint32_t vk) override;
+    void unregisterHotkey(int id) override;
     // The screen and the desktop's media controls hear every change here instead of polling.
     void listenToPlayer(std::function<void(host::PlayerChange)> listener);
 
@@ -87,6 +90,7 @@ class QtBackend : public host::Port {
     std::map<int, std::unique_ptr<QTimer>> timers_;
     std::vector<std::function<void(host::PlayerChange)>> listeners_;
     host::Port* previous_;
+    std::unique_ptr<X11Hotkeys> hotkeys_;
 };
 
 // The entry point of the player: returns the exit code, -1 when the window cannot be made.

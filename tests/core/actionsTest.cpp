@@ -91,4 +91,15 @@ TEST_F(Actions, RoutesDifferForTheVolumeToggleAndQuitHomeAndSpareRowsAsTheTableS
     EXPECT_EQ(platform.closeRequests, 2);
 }
 
+TEST_F(Actions, EveryRowIsRegisteredWithItsModifiersAnEmptyOneToo) {
+    st.hotkeyTable[0] = {78, true, true, false, -1, -1};
+    st.hotkeyTable[5] = {65, false, false, true, -1, -1};
+    st.hotkeyTable.resize(31); // a row past the 30th is kept, never registered
+    registerHotkeys(st);
+    ASSERT_EQ(platform.hotkeys.size(), 30u);
+    EXPECT_EQ(platform.hotkeys[0], (RecordingPlatform::Hotkey{0, 3, 78}));
+    EXPECT_EQ(platform.hotkeys[5], (RecordingPlatform::Hotkey{5, 4, 65}));
+    EXPECT_EQ(platform.hotkeys[29], (RecordingPlatform::Hotkey{29, 0, 0}));
+}
+
 } // namespace

@@ -2,6 +2,7 @@
 # Clicks the real player's window under Xvfb as a user would: the next-song glyph must draw a new
 # song, and the figures glyph must turn the LCD to the ratio page. The frames before and after are
 # left in the current folder (build/tests under ctest): screen-before.png, screen-figures.png.
+# Ctrl+Alt+N, bound to Next Song in the hotkey file, must draw a new song too.
 # Usage: screen.sh PLAYER
 set -uo pipefail
 player="$(realpath "$1")"
@@ -41,6 +42,14 @@ for hz in 440 550 660; do
     ffmpeg -nostdin -loglevel error -f lavfi -i "sine=frequency=$hz:duration=30" -c:a libmp3lame \
         "$game/HarpTone/Mp3 Songs/Sines/tone_$hz.mp3" || fail "ffmpeg could not make a song"
 done
+
+# Ctrl+Alt+N (virtual key 78) on row 0, Next Song: a global hotkey.
+row() { echo "{\"alt\": $1, \"ctrl\": $1, \"gameControllerButton\": -1, \"gameControllerTrigger\": -1, \"shift\": false, \"vkKey\": $2}"; }
+{
+    printf '[%s' "$(row true 78)"
+    for _ in $(seq 29); do printf ',%s' "$(row false 0)"; done
+    printf ']'
+} >"$game/data/hotkeyConfig.json"
 
 cd "$game/data" || fail "no data folder"
 # The dummy driver: a machine under test may have no sound card, and that box would wait too.
@@ -91,6 +100,16 @@ onRatioPage() { grab "$figures" && [ "$(pixel "$figures" 400 21)" = "255 255 255
 waitUpTo 100 onRatioPage || fail "the figures glyph did not show the ratio bars"
 [ "$(pixel "$before" 400 21)" != "255 255 255" ] || fail "the front page shows a bar already"
 [ "$(lcdSum "$before")" != "$(lcdSum "$figures")" ] || fail "the LCD did not change"
+
+# The hotkey reaches the player whichever window has the focus: the key grab is the root's.
+songs="$(drawn)"
+xdotool key ctrl+alt+n
+waitUpTo 100 moved || fail "Ctrl+Alt+N drew no new song"
+# Also with Caps Lock and Num Lock on.
+xdotool key Caps_Lock Num_Lock
+songs="$(drawn)"
+xdotool key ctrl+alt+n
+waitUpTo 100 moved || fail "Ctrl+Alt+N with the lock keys on drew no new song"
 
 kill -TERM "$pid"
 wait "$pid"

@@ -32,12 +32,23 @@ class RecordingPlatform : public host::Port {
     void closeMainWindow() override { ++closeRequests; }
     void openDialog(int id) override { dialogs.push_back(id); }
     bool keyIsDown(int vk) override { return keysDown.count(vk) != 0; }
+    void registerHotkey(int id, int modifiers, std::uint32_t vk) override {
+        hotkeys.push_back({id, modifiers, vk});
+    }
+    void unregisterHotkey(int) override {}
 
     std::vector<Box> boxes;
     std::vector<host::PlayerChange> changes;
     int closeRequests = 0;
     std::vector<int> dialogs;
     std::set<int> keysDown;
+    struct Hotkey {
+        int id;
+        int modifiers;
+        std::uint32_t vk;
+        friend bool operator==(const Hotkey&, const Hotkey&) = default;
+    };
+    std::vector<Hotkey> hotkeys; // registrations, in order
 
   private:
     host::Port* previous_ = nullptr;
