@@ -152,6 +152,16 @@ std::vector<std::uint32_t> keysymsOfVirtualKey(std::uint32_t vk) {
     return {};
 }
 
+std::uint32_t virtualKeyOfKeysym(std::uint32_t keysym) {
+    if (keysym >= 'A' && keysym <= 'Z')
+        return keysym;
+    for (std::uint32_t vk = 1; vk < 256; ++vk)
+        for (std::uint32_t each : keysymsOfVirtualKey(vk))
+            if (each == keysym)
+                return vk;
+    return 0;
+}
+
 std::string keyName(std::uint32_t vk) {
     if (vk >= 32 && vk <= 126) {
         if ((vk >= 'A' && vk <= 'Z') || (vk >= '0' && vk <= '9'))

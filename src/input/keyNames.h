@@ -10,6 +10,9 @@ struct InputState;
 // and its twin, both Enter keys, left and right modifiers); empty for a code without a key here.
 std::vector<std::uint32_t> keysymsOfVirtualKey(std::uint32_t vk);
 
+// The virtual-key code of a key by one of its keysyms, 0 for none (a letter's capital too).
+std::uint32_t virtualKeyOfKeysym(std::uint32_t keysym);
+
 // The word the Hotkey dialog shows for a key: a letter or digit itself, a key that types a
 // printable character (space, the keypad) that character, else its name, else "Unknown".
 std::string keyName(std::uint32_t vk);
