@@ -24,10 +24,9 @@ void countFavorite(PlayerState& st, Route route, bool up) {
     if (!st.onStation) {
         if (Song* song = findSong(st, {st.playingPlaylist, st.playingSong}))
             count(song->favoriteCount, song->isFavorite);
-    } else if (route == Route::Controller && st.currentStation >= 0 &&
-               st.currentStation < static_cast<int>(st.radioStations.size())) {
-        RadioStation& station = st.radioStations[st.currentStation];
-        count(station.favoriteCount, station.favorite);
+    } else if (route == Route::Controller) {
+        if (RadioStation* station = findStation(st, st.currentStation))
+            count(station->favoriteCount, station->favorite);
     }
     if (route == Route::Controller)
         st.buttonsDirty = true;

@@ -4,6 +4,8 @@
 #include "core/playerState.h"
 #include "core/transport.h"
 #include "core/volume.h"
+#include "core/windowEvents.h"
+#include "display/bars.h"
 #include "display/colors.h"
 #include "display/hitTest.h"
 #include "display/pages.h"
@@ -34,14 +36,10 @@ enum Control {
     controlSearch,
 };
 
-void invalidateBox(const Box& box) {
-    host::Rect rect{box.x, box.y, box.x + box.width, box.y + box.height};
-    host::invalidate(&rect, false);
-}
-
-// A station's length is unknown and the engine refuses its position: the press does nothing.
+// The seek bar is not recorded: it follows the window's size at once. A station's length is
+// unknown and the engine refuses its position: the press does nothing.
 void seekTo(PlayerState& st, int x) {
-    const Box bar = seekBarBox(st);
+    const Box bar = positionBarBox(st);
     const float fraction = static_cast<float>(x - bar.x) / static_cast<float>(bar.width);
     const float length = static_cast<float>(
         channelBytesToSeconds(st.activeHandle, channelGetLength(st.activeHandle)));
@@ -52,18 +50,16 @@ void seekTo(PlayerState& st, int x) {
 
 // Heart 0 counts the song, heart 1 its playlist; on a station both count the station.
 void countHeart(PlayerState& st, int heart, bool up) {
-    if (st.onStation) {
-        if (st.currentStation >= 0 && st.currentStation < static_cast<int>(st.radioStations.size()))
-            up ? countFavoriteUp(st.radioStations[st.currentStation])
-               : countFavoriteDown(st.radioStations[st.currentStation]);
-    } else if (heart == 0) {
-        if (Song* song = findSong(st, {st.playingPlaylist, st.playingSong}))
-            up ? countFavoriteUp(*song) : countFavoriteDown(*song);
-    } else if (st.playingPlaylist >= 0 &&
-               st.playingPlaylist < static_cast<int>(st.playlists.size())) {
-        Playlist& playlist = st.playlists[st.playingPlaylist];
-        up ? countFavoriteUp(playlist) : countFavoriteDown(playlist);
-    }
+    auto count = [up](auto* row) {
+        if (row)
+            up ? countFavoriteUp(*row) : countFavoriteDown(*row);
+    };
+    if (st.onStation)
+        count(findStation(st, st.currentStation));
+    else if (heart == 0)
+        count(findSong(st, {st.playingPlaylist, st.playingSong}));
+    else
+        count(findPlaylist(st, st.playingPlaylist));
     st.lcdDirty = true;
 }
 
@@ -76,13 +72,13 @@ void chooseListRow(PlayerState& st, int row) {
         st.stationMode = row + 1;
         st.onStation = false;
     } else if (row < 3 + stations) {
-        if (row - 3 >= static_cast<int>(st.radioStations.size()))
+        if (!findStation(st, row - 3))
             return;
         st.onStation = true;
         st.currentStation = row - 3;
         st.stationMode = stationModeStation;
     } else {
-        if (row - 3 - stations >= static_cast<int>(st.playlists.size()))
+        if (!findPlaylist(st, row - 3 - stations))
             return;
         st.modeSongIndex = 0;
         st.modePlaylist = row - 3 - stations;
@@ -155,11 +151,9 @@ void pressControl(PlayerState& st, int index) {
         nextPlaylist(st);
         break;
     case controlPlaylistKind:
-        if (st.stationMode == stationModePlaylist && st.modePlaylist >= 0 &&
-            st.modePlaylist < static_cast<int>(st.playlists.size())) {
-            int& mode = st.playlists[st.modePlaylist].iRadioMode;
-            mode = mode == 0 ? 1 : 0;
-        }
+        if (Playlist* playlist = findPlaylist(st, st.modePlaylist);
+            playlist && st.stationMode == stationModePlaylist)
+            playlist->iRadioMode = playlist->iRadioMode == 0 ? 1 : 0;
         break;
     case controlVolume:
         toggleVolumeLevel(st);
@@ -196,7 +190,7 @@ void pressControl(PlayerState& st, int index) {
 }
 
 void onLeftPress(PlayerState& st, int x, int y) {
-    if (contains(seekBarBox(st), x, y))
+    if (contains(positionBarBox(st), x, y))
         seekTo(st, x);
     if (contains(st.volumeBarRect, x, y)) {
         st.volume = volumeAt(st.volumeBarRect, y);

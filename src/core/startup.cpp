@@ -1,7 +1,7 @@
 #include "core/startup.h"
 
-#include "core/audioStart.h"
 #include "core/actions.h"
+#include "core/audioStart.h"
 #include "core/hostPort.h"
 #include "core/libraryEdits.h"
 #include "core/playerState.h"

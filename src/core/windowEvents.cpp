@@ -3,6 +3,7 @@
 #include "core/hostPort.h"
 #include "core/playerState.h"
 #include "core/transport.h"
+#include "display/bars.h"
 #include "display/layout.h"
 #include "display/screen.h"
 #include "input/actionSteps.h"
@@ -11,10 +12,9 @@
 
 namespace {
 
-// A strip of the grid in pixels, each value scaled and truncated.
-host::Rect strip(const PlayerState& st, int left, int top, int width, int height) {
-    Box box = gridBox(st, left, top, width, height);
-    return {box.x, box.y, box.x + box.width, box.y + box.height};
+// A strip of the grid, each value scaled and truncated.
+void invalidateStrip(const PlayerState& st, int left, int top, int width, int height) {
+    invalidateBox(gridBox(st, left, top, width, height));
 }
 
 // The position read-outs move only while something sounds. Asking for their strips with nothing
@@ -37,18 +37,13 @@ void runEndTest(PlayerState& st) {
 
 void onRepaintTick(PlayerState& st) {
     if (positionMoves(st)) {
-        host::Rect seek = strip(st, 5, 2, 490, 10);
-        host::invalidate(&seek, false);
-        host::Rect text = strip(st, 20, 70, 500, 70);
-        host::invalidate(&text, false);
+        invalidateStrip(st, 5, 2, 490, 10);
+        invalidateStrip(st, 20, 70, 500, 70);
     }
-    if (st.volumeTextShown) {
-        host::Rect volume = strip(st, 493, 2, 6, 95);
-        host::invalidate(&volume, false);
-    }
+    if (st.volumeTextShown)
+        invalidateBox(volumeBarBox(st));
     if (st.lcdDirty) {
-        host::Rect lcd = strip(st, 1, 10, 490, 125);
-        host::invalidate(&lcd, false);
+        invalidateStrip(st, 1, 10, 490, 125);
         st.lcdDirty = false;
     }
     if (st.buttonsDirty) {
@@ -99,6 +94,11 @@ void setPeriod(int id, int milliseconds, int& running) {
 }
 
 } // namespace
+
+void invalidateBox(const Box& box) {
+    host::Rect rect{box.x, box.y, box.x + box.width, box.y + box.height};
+    host::invalidate(&rect, false);
+}
 
 void schedulePolling(PlayerState& st) {
     const bool pollWork = gameLinkActive(st) || anyController(st) || st.searchActive;

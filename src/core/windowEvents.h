@@ -1,7 +1,12 @@
 #pragma once
 
+#include "display/geometry.h"
+
 class Canvas;
 struct PlayerState;
+
+// Asks for a repaint of a box of the client area, without erasing it first.
+void invalidateBox(const Box& box);
 
 // Timer 3 polls every 30 ms while it has work: the game link, an open controller, the search
 // keys. Without any, it polls once a second, which still finds a controller plugged in, and timer

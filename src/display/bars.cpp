@@ -19,6 +19,14 @@ float clampedFraction(double fraction) {
 
 } // namespace
 
+Box positionBarBox(const DisplayState& st) {
+    return gridBox(st, 3, 2, 490, 5);
+}
+
+Box volumeBarBox(const DisplayState& st) {
+    return gridBox(st, 493, 2, 6, 95);
+}
+
 Box drawBar(Canvas& canvas, const DisplayState& st, int y, Color fill, Color back, float fraction) {
     const Box box = gridBox(st, 170, y, 300, 8);
     canvas.fillRect(box, back);
@@ -28,7 +36,7 @@ Box drawBar(Canvas& canvas, const DisplayState& st, int y, Color fill, Color bac
 }
 
 void drawPositionBar(Canvas& canvas, const DisplayState& st) {
-    const Box box = gridBox(st, 3, 2, 490, 5);
+    const Box box = positionBarBox(st);
     canvas.fillRect(box, textColor(st));
     const double whole = st.onStation ? st.segmentEnd : st.lengthSeconds;
     // Nothing loaded reads as -1 s of -1 s: an empty bar, not a full one.
@@ -45,7 +53,7 @@ void drawPositionBar(Canvas& canvas, const DisplayState& st) {
 }
 
 void drawVolumeBar(Canvas& canvas, DisplayState& st) {
-    const Box box = gridBox(st, 493, 2, 6, 95);
+    const Box box = volumeBarBox(st);
     st.volumeBarRect = box;
     canvas.fillRect(box, textColor(st));
     const int bottom = box.y + box.height;

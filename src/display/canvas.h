@@ -4,12 +4,15 @@
 #include <optional>
 #include <string>
 
+constexpr int normalWeight = 400;
+constexpr int boldWeight = 700;
+
 // A font by family, size and weight. The size is the cell height in pixels, ascent plus descent,
 // as the window system the screen was laid out for measures a font.
 struct Font {
     std::string family;
     int size = 0;
-    int weight = 400;
+    int weight = normalWeight;
     friend bool operator==(const Font&, const Font&) = default;
 };
 

@@ -4,10 +4,10 @@
 #include "display/pages.h"
 #include "display/palette.h"
 #include "display/panels.h"
+#include "util/textFormat.h"
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 namespace {
@@ -29,18 +29,6 @@ void drawFigureLines(Canvas& canvas, DisplayState& st, const std::array<FigureLi
     }
 }
 
-std::string formatted(const char* pattern, double value) {
-    char text[64];
-    std::snprintf(text, sizeof text, pattern, value);
-    return text;
-}
-
-std::string formatted(const char* pattern, int value) {
-    char text[64];
-    std::snprintf(text, sizeof text, pattern, value);
-    return text;
-}
-
 } // namespace
 
 void drawRatioPage(Canvas& canvas, DisplayState& st) {
@@ -56,20 +44,20 @@ void drawRatioPage(Canvas& canvas, DisplayState& st) {
         // All ratios at 0 share nothing: "nan", whatever sign the division left on it.
         if (std::isnan(share))
             share = std::numeric_limits<float>::quiet_NaN();
-        lines[i] = {formatted(patterns[i], static_cast<double>(share)), values[i] / 100.0f};
+        lines[i] = {formatText(patterns[i], static_cast<double>(share)), values[i] / 100.0f};
     }
     drawFigureLines(canvas, st, lines, 15, 16, 150, 0);
 }
 
 void drawTimingPage(Canvas& canvas, DisplayState& st) {
     const std::array<FigureLine, 5> lines{{
-        {formatted("Min (sec): %d", st.songPlayDurationMin), st.songPlayDurationMin / 600.0f},
-        {formatted("Max (sec): %d", st.songPlayDurationMax), st.songPlayDurationMax / 600.0f},
-        {formatted("iRado Min (sec): %d", st.iSongPlayDurationMin),
+        {formatText("Min (sec): %d", st.songPlayDurationMin), st.songPlayDurationMin / 600.0f},
+        {formatText("Max (sec): %d", st.songPlayDurationMax), st.songPlayDurationMax / 600.0f},
+        {formatText("iRado Min (sec): %d", st.iSongPlayDurationMin),
          st.iSongPlayDurationMin / 600.0f},
-        {formatted("iRadio Max (sec): %d", st.iSongPlayDurationMax),
+        {formatText("iRadio Max (sec): %d", st.iSongPlayDurationMax),
          st.iSongPlayDurationMax / 600.0f},
-        {formatted("Fade (sec): %d", st.FADE_DURATION_MS / 1000), st.FADE_DURATION_MS / 20000.0f},
+        {formatText("Fade (sec): %d", st.FADE_DURATION_MS / 1000), st.FADE_DURATION_MS / 20000.0f},
     }};
     drawFigureLines(canvas, st, lines, 10, 14, 200, 5);
 }

@@ -7,16 +7,9 @@
 #include "display/panels.h"
 #include "display/pathLine.h"
 #include "library/model.h"
-
-#include <cstdio>
+#include "util/textFormat.h"
 
 namespace {
-
-template <typename... Args> std::string format(const char* pattern, Args... args) {
-    char text[256];
-    std::snprintf(text, sizeof text, pattern, args...);
-    return text;
-}
 
 bool volumeShown(const DisplayState& st) {
     return st.volumeUpLatch || st.volumeDownLatch || st.volumeTextShown;
@@ -25,16 +18,16 @@ bool volumeShown(const DisplayState& st) {
 std::string headline(const DisplayState& st) {
     const double volume = st.volume;
     if (st.onStation)
-        return volumeShown(st) ? format("%.2f", volume) : st.streamTitle;
+        return volumeShown(st) ? formatText("%.2f", volume) : st.streamTitle;
     if (st.totalSongCount < 1)
         return "Add music to the library";
     if (!volumeShown(st))
         return st.songTitle;
     if (st.volumeToggleState == volumeToggleHigh)
-        return format("High Vol: %.2f", volume);
+        return formatText("High Vol: %.2f", volume);
     if (st.volumeToggleState == volumeToggleLow)
-        return format("Low Vol: %.2f", volume);
-    return format("Current Vol: %.2f", volume);
+        return formatText("Low Vol: %.2f", volume);
+    return formatText("Current Vol: %.2f", volume);
 }
 
 // The volume headline lasts while it changes and 3 seconds after; the window arms the timer.
@@ -50,12 +43,6 @@ const Song* playingSongOf(const DisplayState& st) {
     return findSong(st, {st.playingPlaylist, st.playingSong});
 }
 
-const RadioStation* playingStationOf(const DisplayState& st) {
-    if (st.currentStation < 0 || st.currentStation >= static_cast<int>(st.radioStations.size()))
-        return nullptr;
-    return &st.radioStations[st.currentStation];
-}
-
 // Its place mixes truncated and exact grid terms, as the heart always stood.
 void drawFrontHeart(Canvas& canvas, DisplayState& st) {
     if (st.libraryEditInProgress)
@@ -64,7 +51,7 @@ void drawFrontHeart(Canvas& canvas, DisplayState& st) {
     const float lift = (tall(st) ? 18 : 22) * st.scaleY;
     const int y = static_cast<int>(gridY(st, 12) + gridY(st, 85) - lift);
     if (st.onStation) {
-        const RadioStation* station = playingStationOf(st);
+        const RadioStation* station = findStation(st, st.currentStation);
         const int count = station ? station->favoriteCount : 0;
         st.heartRects[1] = drawHeart(canvas, st, x, y, count, textColor(st));
     } else if (st.totalSongCount > 0) {
@@ -76,16 +63,17 @@ void drawFrontHeart(Canvas& canvas, DisplayState& st) {
 
 std::string timeLine(const DisplayState& st, const TimeReadings& t) {
     if (st.onStation)
-        return format("Time: %02d:%02d  Fade Out in: %02d:%02d | %02d:%02d Vol: %.2f",
-                      t.position / 60, t.position % 60, t.left / 60, t.left % 60, t.segmentEnd / 60,
-                      t.segmentEnd % 60, static_cast<double>(t.volume));
+        return formatText("Time: %02d:%02d  Fade Out in: %02d:%02d | %02d:%02d Vol: %.2f",
+                          t.position / 60, t.position % 60, t.left / 60, t.left % 60,
+                          t.segmentEnd / 60, t.segmentEnd % 60, static_cast<double>(t.volume));
     if (st.totalSongCount > 0 && !st.libraryEditInProgress) {
         const Song* song = playingSongOf(st);
-        return format("Time: %02d:%02d / %02d:%02d  Fade Out: %02d:%02d | %02d:%02d  Play Count: "
-                      "%d Vol: %.2f",
-                      t.position / 60, t.position % 60, t.length / 60, t.length % 60, t.left / 60,
-                      t.left % 60, t.segmentEnd / 60, t.segmentEnd % 60, song ? song->playCount : 0,
-                      static_cast<double>(t.volume));
+        return formatText(
+            "Time: %02d:%02d / %02d:%02d  Fade Out: %02d:%02d | %02d:%02d  Play Count: "
+            "%d Vol: %.2f",
+            t.position / 60, t.position % 60, t.length / 60, t.length % 60, t.left / 60,
+            t.left % 60, t.segmentEnd / 60, t.segmentEnd % 60, song ? song->playCount : 0,
+            static_cast<double>(t.volume));
     }
     return "";
 }

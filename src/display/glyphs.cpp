@@ -10,58 +10,40 @@
 
 namespace {
 
-constexpr std::array<std::pair<int, char32_t>, 20> glyphCodes{{
-    {glyph::playPause, U'\u23EF'},
-    {glyph::nextSong, U'\u23ED'},
-    {glyph::previousSong, U'\u23EE'},
-    {glyph::shuffle, U'\U0001F500'},
-    {glyph::shuffleOff, U'\u274C'},
-    {glyph::nextPlaylist, U'\u2191'},
-    {glyph::previousPlaylist, U'\u2193'},
-    {glyph::playlistSongs, U'\U0001F4FB'},
-    {glyph::controller, U'\U0001F3AE'},
-    {glyph::playlistRadio, U'\U0001F4F6'},
-    {glyph::volumeHigh, U'\U0001F50A'},
-    {glyph::volumeLow, U'\U0001F508'},
-    {glyph::power, U'\u26A1'},
-    {glyph::pageBack, U'\u2190'},
-    {glyph::pageForward, U'\u2192'},
-    {glyph::home, U'\U0001F518'},
-    {glyph::figures, U'\u26ED'},
-    {glyph::lamp, U'\U0001F4A1'},
-    {glyph::volume, U'\U0001F509'},
-    {glyph::search, U'\U0001F50D'},
+// The characters as UTF-8, as the canvas takes its text.
+constexpr std::array<std::pair<int, const char*>, 20> glyphCodes{{
+    {glyph::playPause, "\u23EF"},
+    {glyph::nextSong, "\u23ED"},
+    {glyph::previousSong, "\u23EE"},
+    {glyph::shuffle, "\U0001F500"},
+    {glyph::shuffleOff, "\u274C"},
+    {glyph::nextPlaylist, "\u2191"},
+    {glyph::previousPlaylist, "\u2193"},
+    {glyph::playlistSongs, "\U0001F4FB"},
+    {glyph::controller, "\U0001F3AE"},
+    {glyph::playlistRadio, "\U0001F4F6"},
+    {glyph::volumeHigh, "\U0001F50A"},
+    {glyph::volumeLow, "\U0001F508"},
+    {glyph::power, "\u26A1"},
+    {glyph::pageBack, "\u2190"},
+    {glyph::pageForward, "\u2192"},
+    {glyph::home, "\U0001F518"},
+    {glyph::figures, "\u26ED"},
+    {glyph::lamp, "\U0001F4A1"},
+    {glyph::volume, "\U0001F509"},
+    {glyph::search, "\U0001F50D"},
 }};
 
-constexpr char32_t hollowHeart = U'\u2661';
-constexpr char32_t fullHeart = U'\u2665';
-
-std::string utf8(char32_t c) {
-    std::string out;
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (c >> 18));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-    return out;
-}
+constexpr const char* hollowHeart = "\u2661";
+constexpr const char* fullHeart = "\u2665";
 
 // Centred on its box but free to stand over it: a glyph's cell is often taller than its box.
 void drawGlyphInPixels(Canvas& canvas, int code, const Box& box, int size, Color color) {
     size = std::max(size, 1);
     const Box room{box.x - size, box.y + (box.height - size) / 2, box.width + 2 * size, size};
-    canvas.drawText(room, glyphText(code),
-                    {{"Arial Unicode MS", size, 400}, color, TextAlign::Center, true, false});
+    canvas.drawText(
+        room, glyphText(code),
+        {{"Arial Unicode MS", size, normalWeight}, color, TextAlign::Center, true, false});
 }
 
 } // namespace
@@ -69,7 +51,7 @@ void drawGlyphInPixels(Canvas& canvas, int code, const Box& box, int size, Color
 std::string glyphText(int code) {
     for (const auto& [known, character] : glyphCodes)
         if (known == code)
-            return utf8(character);
+            return character;
     return "?";
 }
 
@@ -94,15 +76,16 @@ Box drawCircleGlyph(Canvas& canvas, int code, int cx, int cy, int diameter, Colo
 
 Box drawHeart(Canvas& canvas, const DisplayState& st, int x, int y, int count, Color color) {
     const int size = std::max(static_cast<int>(20 * minScale(st)), 1);
-    const Font heartFont{"Segoe UI Symbol", size, 400};
-    const std::string heart = utf8(count < 1 ? hollowHeart : fullHeart);
+    const Font heartFont{"Segoe UI Symbol", size, normalWeight};
+    const std::string heart = count < 1 ? hollowHeart : fullHeart;
     // Drawn with room to spare: a symbol's ink may stand a little past its advance.
     Box box{x, y, canvas.textWidth(heart, heartFont), size};
     canvas.drawText({x, y, box.width + size / 2, size}, heart,
                     {heartFont, color, TextAlign::Left, false, false});
     if (count == 0)
         return box;
-    const Font numberFont{"Segoe UI Symbol", std::max(static_cast<int>(size * 0.65), 1), 400};
+    const Font numberFont{"Segoe UI Symbol", std::max(static_cast<int>(size * 0.65), 1),
+                          normalWeight};
     const std::string number = std::to_string(count);
     const Box numberBox{static_cast<int>(x + size - 5 * st.scaleX),
                         static_cast<int>(y + 5 * st.scaleY), canvas.textWidth(number, numberFont),

@@ -1,13 +1,6 @@
 #include "display/hitTest.h"
 
-#include "display/displayState.h"
-#include "display/layout.h"
-
 #include <algorithm>
-
-Box seekBarBox(const DisplayState& st) {
-    return gridBox(st, 3, 2, 490, 5);
-}
 
 int firstHit(std::span<const Box> rects, int x, int y) {
     for (std::size_t i = 0; i < rects.size(); ++i)

@@ -3,10 +3,6 @@
 
 #include <span>
 
-struct DisplayState;
-
-// The seek bar is not recorded: it follows the window's size at once.
-Box seekBarBox(const DisplayState& st);
 // The first rectangle holding the point, or -1.
 int firstHit(std::span<const Box> rects, int x, int y);
 // The volume a press at y on the upright bar asks for, 0 at the bottom edge.

@@ -8,8 +8,9 @@
 
 #include <algorithm>
 
-void drawLcdPanel(Canvas& canvas, const DisplayState& st) {
-    drawRoundedPanel(canvas, st, gridBox(st, 2, 12, 490, 85), static_cast<int>(20 * st.scaleX),
+void drawLcdPanel(Canvas& canvas, const DisplayState& st, float x, float y, float width,
+                  float height) {
+    drawRoundedPanel(canvas, st, gridBox(st, x, y, width, height), static_cast<int>(20 * st.scaleX),
                      textColor(st), static_cast<int>(st.scaleX), lcdColor(st), st.textureAlpha);
 }
 

@@ -21,8 +21,10 @@ void drawSearchPage(Canvas& canvas, DisplayState& st);
 void drawRatioPage(Canvas& canvas, DisplayState& st);
 void drawTimingPage(Canvas& canvas, DisplayState& st);
 
-// The rounded LCD panel the list and figures pages draw on.
-void drawLcdPanel(Canvas& canvas, const DisplayState& st);
+// A rounded panel in the LCD's look at a grid box: the LCD itself (2, 12, 490, 85) that the list
+// and figures pages draw on, and the small panel under the title.
+void drawLcdPanel(Canvas& canvas, const DisplayState& st, float x = 2, float y = 12,
+                  float width = 490, float height = 85);
 // Up to 10 cells, two in a row, from texts[first] on; records their rectangles.
 void drawCells(Canvas& canvas, DisplayState& st, const std::vector<std::string>& texts,
                std::size_t first);

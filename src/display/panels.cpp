@@ -8,9 +8,6 @@
 
 namespace {
 
-constexpr int normalWeight = 400;
-constexpr int boldWeight = 700;
-
 // The largest "Arial" size from start down to 1 pixel at which text fits the width.
 Font fittedFont(Canvas& canvas, const std::string& text, int start, int weight, int width) {
     Font font{"Arial", std::max(start, 1), weight};

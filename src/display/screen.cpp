@@ -9,11 +9,12 @@
 #include "display/palette.h"
 #include "display/panels.h"
 #include "input/keyNames.h"
+#include "library/model.h"
 #include "playback/engine/engine.h"
 #include "radio/segments.h"
+#include "util/textFormat.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -50,12 +51,6 @@ void drawPage(Canvas& canvas, DisplayState& st, const TimeReadings& readings) {
         drawListPage(canvas, st);
 }
 
-void drawSmallPanel(Canvas& canvas, const DisplayState& st) {
-    drawRoundedPanel(canvas, st, gridBox(st, 195, 120, 100, tall(st) ? 28 : 30),
-                     static_cast<int>(20 * st.scaleX), textColor(st), static_cast<int>(st.scaleX),
-                     lcdColor(st), st.textureAlpha);
-}
-
 // A glyph whose rectangle is recorded as a square of 15 x minScale at its grid place.
 void drawSquareControl(Canvas& canvas, DisplayState& st, int index, int code, int x) {
     drawGlyph(canvas, st, code, {x, 135, 15, 10}, 15, textColor(st));
@@ -76,10 +71,8 @@ std::optional<int> playlistKindGlyph(const DisplayState& st) {
         return glyph::playlistRadio;
     if (st.totalSongCount <= 0 || st.libraryEditInProgress)
         return std::nullopt;
-    const bool radio = st.playingPlaylist >= 0 &&
-                       st.playingPlaylist < static_cast<int>(st.playlists.size()) &&
-                       st.playlists[st.playingPlaylist].iRadioMode != 0;
-    return radio ? glyph::playlistRadio : glyph::playlistSongs;
+    const Playlist* playlist = findPlaylist(st, st.playingPlaylist);
+    return playlist && playlist->iRadioMode != 0 ? glyph::playlistRadio : glyph::playlistSongs;
 }
 
 // A controller symbol in its maker's colour.
@@ -129,9 +122,7 @@ std::string frequencyText(const DisplayState& st) {
         value = 100.0 - (4 - st.stationMode) * step;
     else if (st.stationMode == 4 && st.stationCount > 0)
         value = 100.0 + st.playingPlaylist * (6.0 / st.stationCount);
-    char text[32];
-    std::snprintf(text, sizeof text, "%.1f", value);
-    return text;
+    return formatText("%.1f", value);
 }
 
 void drawPageRow(Canvas& canvas, DisplayState& st) {
@@ -152,17 +143,16 @@ void paintScreen(Canvas& canvas, DisplayState& st) {
     drawPage(canvas, st, readings);
     drawPositionBar(canvas, st);
     drawVolumeBar(canvas, st);
-    drawSmallPanel(canvas, st);
+    drawLcdPanel(canvas, st, 195, 120, 100, tall(st) ? 28 : 30);
     drawFittedPanel(canvas, st, st.searchActive ? st.searchText : st.lcdTitle, {90, 105, 300, 30},
                     15, true, textColor(st), textColor(st), lcdColor(st));
     drawTransportRow(canvas, st);
     drawTextBox(canvas, st, frequencyText(st), {95, 108, 100, 28},
                 {.size = 13, .wrapped = true, .text = textColor(st)});
     if (st.searchActive) {
-        char found[48];
-        std::snprintf(found, sizeof found, "Songs found %d",
-                      static_cast<int>(st.searchResults.size()));
-        drawTextBox(canvas, st, found, {90, 126, 300, 28},
+        drawTextBox(canvas, st,
+                    formatText("Songs found %d", static_cast<int>(st.searchResults.size())),
+                    {90, 126, 300, 28},
                     {.size = 12, .centered = true, .wrapped = true, .text = textColor(st)});
     }
     drawPageRow(canvas, st);

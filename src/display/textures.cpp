@@ -26,6 +26,12 @@ bool isListed(const DisplayState& st, const std::string& name) {
                                [&name](const TextureInfo& info) { return info.name == name; });
 }
 
+void releaseSlot(DisplayState& st, BitmapInfo& held) {
+    if (held.id != 0 && st.bitmapStore != nullptr)
+        st.bitmapStore->release(held.id);
+    held = {};
+}
+
 // Loads the texture when it is listed; a failure's box text joins `boxes`.
 void loadInto(DisplayState& st, const std::string& name, int slot,
               std::vector<std::string>& boxes) {
@@ -61,9 +67,7 @@ TextureLoad loadTexture(DisplayState& st, const std::string& name, int slot) {
     if (!isValidSlot(slot))
         return TextureLoad::NotListed;
     BitmapInfo& held = st.textureSlots[static_cast<size_t>(slot)];
-    if (held.id != 0 && st.bitmapStore != nullptr)
-        st.bitmapStore->release(held.id);
-    held = {};
+    releaseSlot(st, held);
     // A name the folder no longer holds (a file removed since the settings were saved) leaves
     // the slot empty, so the plain colour shows; the folder's contents are the user's business.
     if (st.bitmapStore == nullptr || !isListed(st, name))
@@ -97,9 +101,6 @@ std::vector<std::string> loadNamedTextures(DisplayState& st) {
 }
 
 void releaseTextures(DisplayState& st) {
-    for (BitmapInfo& held : st.textureSlots) {
-        if (held.id != 0 && st.bitmapStore != nullptr)
-            st.bitmapStore->release(held.id);
-        held = {};
-    }
+    for (BitmapInfo& held : st.textureSlots)
+        releaseSlot(st, held);
 }

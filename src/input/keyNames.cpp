@@ -19,64 +19,65 @@ constexpr std::uint32_t xkBackSpace = 0xFF08, xkTab = 0xFF09, xkReturn = 0xFF0D,
                         xkControlR = 0xFFE4, xkCapsLock = 0xFFE5, xkAltL = 0xFFE9, xkAltR = 0xFFEA,
                         xkSuperL = 0xFFEB, xkSuperR = 0xFFEC, xkDelete = 0xFFFF;
 
-struct Named {
+// A key with a word or a keysym of its own, by virtual-key code; letters, digits, the keypad's
+// digits and the function keys follow from their ranges. No word: the table of names has none.
+struct NamedKey {
     std::uint32_t vk;
+    const char* word;
     std::vector<std::uint32_t> keysyms;
 };
 
-// The keys with a keysym of their own, by virtual-key code; letters, digits, the keypad and the
-// function keys follow from their ranges.
-const std::array<Named, 36> namedKeys{{
-    {8, {xkBackSpace}},
-    {9, {xkTab}},
-    {13, {xkReturn, xkKpEnter}},
-    {16, {xkShiftL, xkShiftR}},
-    {17, {xkControlL, xkControlR}},
-    {18, {xkAltL, xkAltR}},
-    {19, {xkPause}},
-    {20, {xkCapsLock}},
-    {27, {xkEscape}},
-    {32, {0x20}},
-    {33, {xkPageUp}},
-    {34, {xkPageDown}},
-    {35, {xkEnd}},
-    {36, {xkHome}},
-    {37, {xkLeft}},
-    {38, {xkUp}},
-    {39, {xkRight}},
-    {40, {xkDown}},
-    {45, {xkInsert}},
-    {46, {xkDelete}},
-    {91, {xkSuperL}},
-    {92, {xkSuperR}},
-    {93, {xkMenu}},
-    {144, {xkNumLock}},
-    {145, {xkScrollLock}},
-    {186, {';'}},
-    {187, {'=', '+'}}, // the key that types "=" and, shifted, "+"
-    {188, {','}},
-    {189, {'-'}},
-    {190, {'.'}},
-    {191, {'/'}},
-    {192, {'`'}},
-    {219, {'['}},
-    {220, {'\\'}},
-    {221, {']'}},
-    {222, {'\''}},
+const std::array<NamedKey, 42> namedKeys{{
+    {8, "Backspace", {xkBackSpace}},
+    {9, "Tab", {xkTab}},
+    {13, "Enter", {xkReturn, xkKpEnter}},
+    {16, "Shift", {xkShiftL, xkShiftR}},
+    {17, "Control", {xkControlL, xkControlR}},
+    {18, "Alt", {xkAltL, xkAltR}},
+    {19, "Pause", {xkPause}},
+    {20, "Caps Lock", {xkCapsLock}},
+    {27, "Escape", {xkEscape}},
+    {32, nullptr, {0x20}},
+    {33, "Page Up", {xkPageUp}},
+    {34, "Page Down", {xkPageDown}},
+    {35, "End", {xkEnd}},
+    {36, "Home", {xkHome}},
+    {37, "Left Arrow", {xkLeft}},
+    {38, "Up Arrow", {xkUp}},
+    {39, "Right Arrow", {xkRight}},
+    {40, "Down Arrow", {xkDown}},
+    {45, "Insert", {xkInsert}},
+    {46, "Delete", {xkDelete}},
+    {91, "Left Win", {xkSuperL}},
+    {92, "Right Win", {xkSuperR}},
+    {93, "Apps", {xkMenu}},
+    {106, "Multiply", {xkKpMultiply}},
+    {107, "Add", {xkKpAdd}},
+    {108, nullptr, {xkKpSeparator}},
+    {109, "Subtract", {xkKpSubtract}},
+    {110, "Decimal", {xkKpDecimal}},
+    {111, "Divide", {xkKpDivide}},
+    {144, "Num Lock", {xkNumLock}},
+    {145, "Scroll Lock", {xkScrollLock}},
+    {186, ";", {';'}},
+    {187, "+", {'=', '+'}}, // the key that types "=" and, shifted, "+"
+    {188, ",", {','}},
+    {189, "-", {'-'}},
+    {190, ".", {'.'}},
+    {191, "/", {'/'}},
+    {192, "`", {'`'}},
+    {219, "[", {'['}},
+    {220, "\\", {'\\'}},
+    {221, "]", {']'}},
+    {222, "'", {'\''}},
 }};
 
-const std::array<std::pair<std::uint32_t, const char*>, 40> keyWords{{
-    {8, "Backspace"},     {9, "Tab"},         {13, "Enter"},     {16, "Shift"},
-    {17, "Control"},      {18, "Alt"},        {19, "Pause"},     {20, "Caps Lock"},
-    {27, "Escape"},       {33, "Page Up"},    {34, "Page Down"}, {35, "End"},
-    {36, "Home"},         {37, "Left Arrow"}, {38, "Up Arrow"},  {39, "Right Arrow"},
-    {40, "Down Arrow"},   {45, "Insert"},     {46, "Delete"},    {91, "Left Win"},
-    {92, "Right Win"},    {93, "Apps"},       {106, "Multiply"}, {107, "Add"},
-    {109, "Subtract"},    {110, "Decimal"},   {111, "Divide"},   {144, "Num Lock"},
-    {145, "Scroll Lock"}, {186, ";"},         {187, "+"},        {188, ","},
-    {189, "-"},           {190, "."},         {191, "/"},        {192, "`"},
-    {219, "["},           {220, "\\"},        {221, "]"},        {222, "'"},
-}};
+const NamedKey* findNamedKey(std::uint32_t vk) {
+    for (const NamedKey& key : namedKeys)
+        if (key.vk == vk)
+            return &key;
+    return nullptr;
+}
 
 // The printable character a key types with no modifier, as its keysym gives it; 0 for none.
 char typedCharacter(std::uint32_t keysym) {
@@ -142,14 +143,10 @@ std::vector<std::uint32_t> keysymsOfVirtualKey(std::uint32_t vk) {
         return {vk + ('a' - 'A')};
     if (vk >= 96 && vk <= 105)
         return {xkKp0 + (vk - 96)};
-    if (vk >= 106 && vk <= 111)
-        return {xkKpMultiply + (vk - 106)};
     if (vk >= 112 && vk <= 135) // F1 to F24
         return {xkF1 + (vk - 112)};
-    for (const Named& key : namedKeys)
-        if (key.vk == vk)
-            return key.keysyms;
-    return {};
+    const NamedKey* key = findNamedKey(vk);
+    return key ? key->keysyms : std::vector<std::uint32_t>{};
 }
 
 std::uint32_t virtualKeyOfKeysym(std::uint32_t keysym) {
@@ -175,10 +172,8 @@ std::string keyName(std::uint32_t vk) {
         return "Numpad " + std::to_string(vk - 96);
     if (vk >= 112 && vk <= 123)
         return "F" + std::to_string(vk - 111);
-    for (const auto& [code, word] : keyWords)
-        if (code == vk)
-            return word;
-    return "Unknown";
+    const NamedKey* key = findNamedKey(vk);
+    return key && key->word ? key->word : "Unknown";
 }
 
 ControllerFamily controllerFamily(const std::string& name) {

@@ -3,6 +3,7 @@
 #include "library/libraryState.h"
 #include "util/jsonFile.h"
 #include "util/log.h"
+#include "util/utf8.h"
 
 #include <nlohmann/json.hpp>
 

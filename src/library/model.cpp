@@ -152,15 +152,37 @@ void appendHistory(LibraryState& st, int songType, int songIndex, int plistIndex
     st.historyEnd += 1;
 }
 
+namespace {
+template <typename Row> Row* rowAt(std::vector<Row>& rows, int index) {
+    return index >= 0 && index < static_cast<int>(rows.size()) ? &rows[index] : nullptr;
+}
+template <typename Row> const Row* rowAt(const std::vector<Row>& rows, int index) {
+    return index >= 0 && index < static_cast<int>(rows.size()) ? &rows[index] : nullptr;
+}
+} // namespace
+
 const Song* findSong(const LibraryState& st, SongRef ref) {
-    if (ref.plistIndex < 0 || ref.plistIndex >= static_cast<int>(st.playlists.size()))
-        return nullptr;
-    const std::vector<Song>& songs = st.playlists[ref.plistIndex].songs;
-    if (ref.songIndex < 0 || ref.songIndex >= static_cast<int>(songs.size()))
-        return nullptr;
-    return &songs[ref.songIndex];
+    const Playlist* playlist = findPlaylist(st, ref.plistIndex);
+    return playlist ? rowAt(playlist->songs, ref.songIndex) : nullptr;
 }
 
 Song* findSong(LibraryState& st, SongRef ref) {
-    return const_cast<Song*>(findSong(static_cast<const LibraryState&>(st), ref));
+    Playlist* playlist = findPlaylist(st, ref.plistIndex);
+    return playlist ? rowAt(playlist->songs, ref.songIndex) : nullptr;
+}
+
+const Playlist* findPlaylist(const LibraryState& st, int index) {
+    return rowAt(st.playlists, index);
+}
+
+Playlist* findPlaylist(LibraryState& st, int index) {
+    return rowAt(st.playlists, index);
+}
+
+const RadioStation* findStation(const LibraryState& st, int index) {
+    return rowAt(st.radioStations, index);
+}
+
+RadioStation* findStation(LibraryState& st, int index) {
+    return rowAt(st.radioStations, index);
 }

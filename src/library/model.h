@@ -26,6 +26,11 @@ std::string titleFromPath(std::string_view path);
 // The song a reference names, or null when it names none (a stale reference after a rescan).
 const Song* findSong(const LibraryState& st, SongRef ref);
 Song* findSong(LibraryState& st, SongRef ref);
+// The playlist or station at an index, or null when there is none there.
+const Playlist* findPlaylist(const LibraryState& st, int index);
+Playlist* findPlaylist(LibraryState& st, int index);
+RadioStation* findStation(LibraryState& st, int index);
+const RadioStation* findStation(const LibraryState& st, int index);
 
 // Appends a history row and makes it the one that plays.
 void appendHistory(LibraryState& st, int songType, int songIndex, int plistIndex);

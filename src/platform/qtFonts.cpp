@@ -1,5 +1,7 @@
 #include "platform/qtFonts.h"
 
+#include "util/utf8.h"
+
 #include <QStringList>
 #include <algorithm>
 
@@ -31,43 +33,6 @@ int pixelSizeForCell(const QFont& font, int cell) {
     return pixels;
 }
 
-// The length of the valid UTF-8 sequence at text[at] and its code point, or 0 when there is none:
-// overlong forms, surrogates and code points beyond U+10FFFF are no sequence.
-std::size_t readUtf8(const std::string& text, std::size_t at, char32_t& codePoint) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned lead = byte(at);
-    std::size_t length = 0;
-    unsigned low = 0x80, high = 0xBF; // the range of the second byte
-    if (lead < 0x80) {
-        codePoint = lead;
-        return 1;
-    } else if (lead >= 0xC2 && lead <= 0xDF) {
-        length = 2;
-        codePoint = lead & 0x1F;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-        length = 3;
-        codePoint = lead & 0x0F;
-        low = lead == 0xE0 ? 0xA0 : 0x80;
-        high = lead == 0xED ? 0x9F : 0xBF;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-        length = 4;
-        codePoint = lead & 0x07;
-        low = lead == 0xF0 ? 0x90 : 0x80;
-        high = lead == 0xF4 ? 0x8F : 0xBF;
-    } else {
-        return 0;
-    }
-    if (at + length > text.size())
-        return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        const unsigned next = byte(at + i);
-        if (next < (i == 1 ? low : 0x80) || next > (i == 1 ? high : 0xBF))
-            return 0;
-        codePoint = (codePoint << 6) | (next & 0x3F);
-    }
-    return length;
-}
-
 } // namespace
 
 void installFontSubstitutions() {
@@ -79,22 +44,18 @@ void installFontSubstitutions() {
 QString decodeText(const std::string& text) {
     QString out;
     out.reserve(static_cast<qsizetype>(text.size()));
+    // Well-formed runs go over whole; each byte between them stands for itself.
+    std::size_t run = 0;
     for (std::size_t at = 0; at < text.size();) {
-        char32_t codePoint = 0;
-        const std::size_t length = readUtf8(text, at, codePoint);
-        if (length == 0) {
-            out.append(QChar(static_cast<unsigned char>(text[at])));
-            ++at;
+        if (const std::size_t length = utf8SequenceLength(text, at)) {
+            at += length;
             continue;
         }
-        if (QChar::requiresSurrogates(codePoint)) {
-            out.append(QChar(QChar::highSurrogate(codePoint)));
-            out.append(QChar(QChar::lowSurrogate(codePoint)));
-        } else {
-            out.append(QChar(static_cast<char16_t>(codePoint)));
-        }
-        at += length;
+        out += QString::fromUtf8(text.data() + run, static_cast<qsizetype>(at - run));
+        out += QChar(static_cast<unsigned char>(text[at]));
+        run = ++at;
     }
+    out += QString::fromUtf8(text.data() + run, static_cast<qsizetype>(text.size() - run));
     return out;
 }
 

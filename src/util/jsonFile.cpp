@@ -1,6 +1,7 @@
 #include "util/jsonFile.h"
 
 #include "util/log.h"
+#include "util/utf8.h"
 
 #include <cerrno>
 #include <cmath>
@@ -228,44 +229,6 @@ bool readJsonInt(const nlohmann::json& value, int& out) {
         out = static_cast<int>(cut);
     } else {
         return false;
-    }
-    return true;
-}
-
-bool isValidUtf8(std::string_view text) {
-    const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
-    std::size_t size = text.size();
-    for (std::size_t i = 0; i < size;) {
-        unsigned char lead = bytes[i];
-        if (lead < 0x80) {
-            ++i;
-            continue;
-        }
-        std::size_t length;
-        unsigned char low = 0x80, high = 0xBF; // the range of the first continuation byte
-        if (lead >= 0xC2 && lead <= 0xDF) {
-            length = 2;
-        } else if (lead >= 0xE0 && lead <= 0xEF) {
-            length = 3;
-            if (lead == 0xE0)
-                low = 0xA0; // overlong
-            if (lead == 0xED)
-                high = 0x9F; // surrogates
-        } else if (lead >= 0xF0 && lead <= 0xF4) {
-            length = 4;
-            if (lead == 0xF0)
-                low = 0x90; // overlong
-            if (lead == 0xF4)
-                high = 0x8F; // past U+10FFFF
-        } else {
-            return false;
-        }
-        if (size - i < length || bytes[i + 1] < low || bytes[i + 1] > high)
-            return false;
-        for (std::size_t k = 2; k < length; ++k)
-            if (bytes[i + k] < 0x80 || bytes[i + k] > 0xBF)
-                return false;
-        i += length;
     }
     return true;
 }

@@ -45,6 +45,3 @@ void appendUtf8JsonString(std::string& out, std::string_view text);
 // An integer field of a file: any JSON number, cut toward zero, or a boolean as 0 or 1. A number
 // past the 32-bit range, or another type, is refused and leaves out untouched.
 bool readJsonInt(const nlohmann::json& value, int& out);
-
-// Whether text is well-formed UTF-8 (no overlong forms, no surrogates, nothing past U+10FFFF).
-bool isValidUtf8(std::string_view text);
