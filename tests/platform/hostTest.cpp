@@ -1,4 +1,3 @@
-#include "core/commands.h"
 #include "core/playerState.h"
 #include "core/windowEvents.h"
 #include "platform/menus.h"
@@ -79,38 +78,7 @@ TEST(QuitSignals, DuringTheStartUpWaitUntilItHasRunAndThenCloseOnce) {
 
 namespace {
 
-// Each menu command of a dialog opens one more window of it, in front of the player and owned by
-// it; the radio options keep their size.
-TEST(QtBackend, DialogCommandsOpenAWindowEachTime) {
-    Host host;
-    runCommand(host.st, command::visualDialog);
-    runCommand(host.st, command::visualDialog);
-    runCommand(host.st, command::radioDialog);
-    auto dialogs = [&] {
-        std::vector<QWidget*> windows;
-        for (QWidget* child : host.window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
-            if (child->isWindow())
-                windows.push_back(child);
-        return windows;
-    };
-    std::vector<QWidget*> windows = dialogs();
-    ASSERT_EQ(windows.size(), 3u);
-    EXPECT_EQ(windows[0]->windowTitle(), "Visual Options");
-    EXPECT_EQ(windows[1]->windowTitle(), "Visual Options");
-    EXPECT_EQ(windows[0]->size(), QSize(604, 451)); // 620 by 490 outside a Windows frame
-    EXPECT_TRUE(windows[0]->isVisible());
-    EXPECT_EQ(windows[2]->windowTitle(), "Radio Option");
-    EXPECT_EQ(windows[2]->minimumSize(), windows[2]->maximumSize());
-    windows[0]->close();
-    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_EQ(dialogs().size(), 2u);
-}
-
-} // namespace
-
-namespace {
-
-TEST(Menus, HoldEveryCommandInOrderRunThemAndTakeTheirHeightFromTheClientArea) {
+TEST(Menus, HoldEveryCommandInOrderTakeTheirHeightFromTheClientAreaAndOpenADialogEachTime) {
     Host host;
     host.window.resize(500, 155);
     createMenus(host.window, host.st);
@@ -157,13 +125,29 @@ TEST(Menus, HoldEveryCommandInOrderRunThemAndTakeTheirHeightFromTheClientArea) {
     EXPECT_LT(host.st.clientHeight, 155);
     EXPECT_LT(host.st.scaleY, 1.0f);
 
-    QAction* display = host.window.menuBar()->actions()[2]->menu()->actions()[3];
-    display->trigger();
-    display->trigger();
-    int visual = 0;
-    for (QWidget* child : host.window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
-        visual += child->isWindow() && child->windowTitle() == "Visual Options";
-    EXPECT_EQ(visual, 2);
+    // Each dialog entry opens one more window, in front of the player and owned by it; the
+    // radio options keep their size.
+    QMenu* settings = host.window.menuBar()->actions()[2]->menu();
+    settings->actions()[3]->trigger();
+    settings->actions()[3]->trigger();
+    settings->actions()[0]->trigger();
+    auto dialogs = [&] {
+        std::vector<QWidget*> windows;
+        for (QWidget* child : host.window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            if (child->isWindow())
+                windows.push_back(child);
+        return windows;
+    };
+    std::vector<QWidget*> windows = dialogs();
+    ASSERT_EQ(windows.size(), 3u);
+    EXPECT_EQ(windows[1]->windowTitle(), "Visual Options");
+    EXPECT_EQ(windows[0]->size(), QSize(604, 451)); // 620 by 490 outside a Windows frame
+    EXPECT_TRUE(windows[0]->isVisible());
+    EXPECT_EQ(windows[2]->windowTitle(), "Radio Option");
+    EXPECT_EQ(windows[2]->minimumSize(), windows[2]->maximumSize());
+    windows[0]->close();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(dialogs().size(), 2u);
 }
 
 } // namespace
