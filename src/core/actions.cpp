@@ -8,6 +8,7 @@
 #include "core/windowEvents.h"
 #include "display/pages.h"
 #include "input/actionSteps.h"
+#include "input/controllers.h"
 #include "library/model.h"
 #include "playback/audioSetup.h"
 #include "playback/engine/engine.h"
@@ -133,6 +134,11 @@ void runKeyboardAction(PlayerState& st, int id) {
 }
 
 void runControllerAction(PlayerState& st, int id) {
+    // Every row rumbles once a press, a spare row too: the user feels that the input was taken.
+    if (id >= 0 && id < hotkeyRowCount && !st.actionRumbled[id] && st.useRumble) {
+        rumble(st, st.currentController, st.rumbleTime);
+        st.actionRumbled[id] = true;
+    }
     runAction(st, id, Route::Controller);
 }
 

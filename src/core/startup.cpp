@@ -127,7 +127,7 @@ void runEarlyStartup(PlayerState& st) {
     loadKeyBindings(st);
     registerHotkeys(st);
     showTextureBoxes(loadStartupTextures(st));
-    openControllers(st);
+    openControllers(st, true);
 }
 
 void runStartupSequence(PlayerState& st) {

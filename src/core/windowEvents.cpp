@@ -1,12 +1,16 @@
 #include "core/windowEvents.h"
 
+#include "core/actions.h"
 #include "core/hostPort.h"
 #include "core/playerState.h"
 #include "core/transport.h"
 #include "display/bars.h"
 #include "display/layout.h"
 #include "display/screen.h"
+#include "gamelink/commandFile.h"
 #include "input/actionSteps.h"
+#include "input/controllers.h"
+#include "input/search.h"
 #include "playback/tags.h"
 #include "radio/segments.h"
 
@@ -83,6 +87,22 @@ bool anyController(const PlayerState& st) {
     return false;
 }
 
+// The game link first, so that a command runs before the controllers and the search look.
+void onPollTick(PlayerState& st) {
+    if (gameLinkActive(st)) {
+        readCommandFile(st);
+        snapshotSongInfo(st);
+        writeSongInfo(st);
+    }
+    pollControllerEvents(st);
+    pollControllers(st, [](InputState& input, int id) {
+        runControllerAction(static_cast<PlayerState&>(input), id);
+    });
+    updatePressedButton(st);
+    if (st.searchActive)
+        pollSearchKeys(st);
+}
+
 void setPeriod(int id, int milliseconds, int& running) {
     if (milliseconds == running)
         return;
@@ -118,7 +138,7 @@ void onTimer(PlayerState& st, int id) {
         schedulePolling(st);
         break;
     case host::timerPoll:
-        // The game link, controllers and search keys join this tick with their features.
+        onPollTick(st);
         schedulePolling(st);
         break;
     case host::timerStationTags:

@@ -21,6 +21,13 @@ struct InputState : RadioState {
     std::array<std::string, maxControllers> controllerNames{};
     int controllerCount = 0;
     int currentController = 0;
+    // The poll's latches: a row fires once per press, the enable button rumbles once per press,
+    // and a volume row counts the ticks of its hold.
+    std::array<bool, hotkeyRowCount> actionHeld{};
+    std::array<bool, hotkeyRowCount> actionRumbled{};
+    std::array<bool, maxControllers> enableRumbled{};
+    std::array<int, 2> volumeHoldTicks{};
+    bool controllerPollRunning = false; // an action's box turns the loop, and the timer with it
     std::string pressedButtonText;
     std::string searchText;
 };
