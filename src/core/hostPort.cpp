@@ -55,6 +55,17 @@ bool keyIsDown(int vk) {
     return installed && installed->keyIsDown(vk);
 }
 
+KeysDown Port::keysDown() {
+    KeysDown down;
+    for (std::size_t vk = 1; vk < down.size(); ++vk)
+        down[vk] = keyIsDown(static_cast<int>(vk));
+    return down;
+}
+
+KeysDown keysDown() {
+    return installed ? installed->keysDown() : KeysDown{};
+}
+
 void registerHotkey(int id, int modifiers, std::uint32_t vk) {
     if (installed)
         installed->registerHotkey(id, modifiers, vk);

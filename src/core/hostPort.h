@@ -1,4 +1,6 @@
 #pragma once
+#include "input/search.h"
+
 #include <cstdint>
 #include <string>
 
@@ -48,6 +50,8 @@ struct Port {
     // Whether the key of this Windows virtual-key code is down now, whichever window has the
     // focus; false where the window system cannot tell.
     virtual bool keyIsDown(int vk) = 0;
+    // Every virtual key down now, in one look at the keyboard where the window system allows.
+    virtual KeysDown keysDown();
     // A system-wide chord for the action table's row id: modifiers 2 Ctrl, 1 Alt, 4 Shift,
     // added; vk a Windows virtual-key code (0: no key). Its presses come back as
     // runKeyboardAction(id). A chord another program holds never fires, unnoticed.
@@ -66,6 +70,7 @@ void notifyPlayerChanged(PlayerChange what);
 void closeMainWindow();
 void openDialog(int id);
 bool keyIsDown(int vk);
+KeysDown keysDown();
 void registerHotkey(int id, int modifiers, std::uint32_t vk);
 void unregisterHotkey(int id);
 

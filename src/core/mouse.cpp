@@ -93,11 +93,7 @@ void pressCells(PlayerState& st, int x, int y) {
     if (cell < 0)
         return;
     if (st.searchActive) {
-        const int row = cell + (st.listPage + 1) * 10;
-        if (row < static_cast<int>(st.searchResults.size())) {
-            st.searchRow = row;
-            startTransition(st);
-        }
+        chooseSearchCell(st, cell);
     } else if (st.listKind == 0 && st.listPage >= 0) {
         const int row = cell + st.listPage * 10;
         if (row < static_cast<int>(st.listEntries.size()))
@@ -128,6 +124,14 @@ void pressBars(PlayerState& st, int x, int y) {
 }
 
 } // namespace
+
+void chooseSearchCell(PlayerState& st, int cell) {
+    const int row = cell + (st.listPage + 1) * 10;
+    if (row >= 0 && row < static_cast<int>(st.searchResults.size())) {
+        st.searchRow = row;
+        startTransition(st);
+    }
+}
 
 void pressControl(PlayerState& st, int index) {
     switch (index) {
@@ -182,7 +186,7 @@ void pressControl(PlayerState& st, int index) {
         st.buttonsDirty = true;
         break;
     case controlSearch:
-        toggleSearch(st);
+        toggleSearchPage(st);
         break;
     default:
         break;

@@ -9,3 +9,5 @@ void onLeftPress(PlayerState& st, int x, int y);
 void onRightPress(PlayerState& st, int x, int y);
 // The action of control 0 to 14 of the glyph row.
 void pressControl(PlayerState& st, int index);
+// Cell n (0 to 9) of the search page: its row of the results on this page plays next.
+void chooseSearchCell(PlayerState& st, int cell);

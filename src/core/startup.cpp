@@ -140,6 +140,7 @@ void runStartupSequence(PlayerState& st) {
     // The default scan below saves the library before the stored settings have been read.
     st.settingsSaveHeld = true;
     st.playlists = loadLibraryCache(st);
+    st.searchIndex = {};
     recountLibrary(st);
     const bool cacheHadSongs = st.totalSongCount > 0;
     if (!cacheHadSongs)

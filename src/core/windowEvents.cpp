@@ -100,7 +100,7 @@ void onPollTick(PlayerState& st) {
     });
     updatePressedButton(st);
     if (st.searchActive)
-        pollSearchKeys(st);
+        pollSearchKeys(st, host::keysDown());
 }
 
 void setPeriod(int id, int milliseconds, int& running) {

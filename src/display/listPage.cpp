@@ -5,6 +5,7 @@
 #include "display/palette.h"
 #include "display/panels.h"
 #include "display/pathLine.h"
+#include "input/search.h"
 
 #include <algorithm>
 
@@ -61,7 +62,7 @@ void goHome(DisplayState& st) {
     st.lcdDirty = true;
 }
 
-void toggleSearch(DisplayState& st) {
+void toggleSearchPage(DisplayState& st) {
     st.lcdDirty = true;
     if (st.searchActive) {
         st.searchActive = false;
@@ -71,6 +72,7 @@ void toggleSearch(DisplayState& st) {
     st.searchResults.clear();
     st.searchText.clear();
     st.searchActive = true;
+    prepareSongSearch(st);
     if (st.historyNavigation != historyWalkOff) {
         st.historyNavigation = historyWalkOff;
         st.historyPosition = st.historyEnd;

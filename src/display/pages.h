@@ -35,4 +35,4 @@ void scrollList(DisplayState& st, int delta);
 // radio, else back to the radio itself; always to the song pages.
 void goHome(DisplayState& st);
 // Opens the search page empty, leaving any walk through the history, or closes it.
-void toggleSearch(DisplayState& st);
+void toggleSearchPage(DisplayState& st);

@@ -30,4 +30,5 @@ struct InputState : RadioState {
     bool controllerPollRunning = false; // an action's box turns the loop, and the timer with it
     std::string pressedButtonText;
     std::string searchText;
+    std::array<bool, 256> searchKeyLatch{}; // keys that counted during this press
 };

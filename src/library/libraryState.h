@@ -1,5 +1,6 @@
 #pragma once
 #include "library/records.h"
+#include "library/searchIndex.h"
 
 #include <array>
 #include <string>
@@ -20,6 +21,9 @@ struct LibraryState {
     std::string dataDirectory;
     std::string libraryCachePath = "musicLibraryCache.json";
     std::vector<std::string> directoryPaths; // the library's root folders
+    // The songs' texts for the type-ahead search, made when the page opens; whatever replaces
+    // playlists drops it.
+    SearchIndex searchIndex;
 
     // --- The family ratios: the recount zeroes the ratio of a family without songs.
     int rawMIDI = 50;

@@ -12,6 +12,7 @@
 
 void scanAllRoots(LibraryState& st) {
     st.playlists.clear();
+    st.searchIndex = {};
     st.scanSongCount = 0;
     st.scanPlaylistCount = 0;
     for (const std::string& root : st.directoryPaths) {

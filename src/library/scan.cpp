@@ -98,6 +98,7 @@ std::vector<Playlist> scanRoot(LibraryState& st, const std::string& root) {
 
 void scanDefaultMusicFolder(LibraryState& st) {
     st.playlists.clear();
+    st.searchIndex = {};
     st.scanSongCount = 0;
     st.scanPlaylistCount = 0;
     st.playlists = scanRoot(st, defaultMusicFolder());

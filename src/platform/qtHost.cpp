@@ -198,6 +198,10 @@ bool QtBackend::keyIsDown(int vk) {
     return hotkeys_->keyIsDown(vk);
 }
 
+KeysDown QtBackend::keysDown() {
+    return hotkeys_->keysDown();
+}
+
 void QtBackend::registerHotkey(int id, int modifiers, std::uint32_t vk) {
     hotkeys_->registerHotkey(id, modifiers, vk);
 }

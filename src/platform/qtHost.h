@@ -79,6 +79,7 @@ class QtBackend : public host::Port {
     void closeMainWindow() override;
     void openDialog(int id) override;
     bool keyIsDown(int vk) override;
+    KeysDown keysDown() override;
     void registerHotkey(int id, int modifiers, std::uint32_t vk) override;
     void unregisterHotkey(int id) override;
     // The screen and the desktop's media controls hear every change here instead of polling.

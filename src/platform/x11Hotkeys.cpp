@@ -166,6 +166,24 @@ bool X11Hotkeys::keyIsDown(int vk) {
     return down;
 }
 
+std::bitset<256> X11Hotkeys::keysDown() {
+    std::bitset<256> down;
+    if (!connection_)
+        return down;
+    auto* reply = xcb_query_keymap_reply(connection_, xcb_query_keymap(connection_), nullptr);
+    if (!reply)
+        return down;
+    for (int keycode = 8; keycode < 256; ++keycode)
+        if (reply->keys[keycode / 8] & (1 << (keycode % 8))) {
+            const std::uint32_t vk = virtualKeyOfKeysym(
+                xcb_key_symbols_get_keysym(symbols_, static_cast<xcb_keycode_t>(keycode), 0));
+            if (vk > 0 && vk < down.size())
+                down[vk] = true;
+        }
+    std::free(reply);
+    return down;
+}
+
 bool X11Hotkeys::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
     if (eventType != "xcb_generic_event_t")
         return false;

@@ -1,6 +1,7 @@
 #pragma once
 #include <QAbstractNativeEventFilter>
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <vector>
 
@@ -23,6 +24,8 @@ class X11Hotkeys : public QAbstractNativeEventFilter {
     void registerHotkey(int id, int modifiers, std::uint32_t vk);
     void unregisterHotkey(int id);
     bool keyIsDown(int vk);
+    // The virtual keys down now, in one look at the keyboard.
+    std::bitset<256> keysDown();
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
   private:
