@@ -102,35 +102,42 @@ void X11Hotkeys::grab(Grab& row) {
     if (row.vk == 0)
         return;
     for (std::uint8_t keycode : keycodesOf(row.vk)) {
-        bool held = true;
+        std::array<bool, 4> got{};
         for (int variant = 0; variant < 4; ++variant) {
             xcb_void_cookie_t cookie =
                 xcb_grab_key_checked(connection_, 1, root_, row.mask | lockVariants(variant),
                                      keycode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-            // BadAccess: another program holds the chord, which then never fires here.
-            if (xcb_generic_error_t* error = xcb_request_check(connection_, cookie)) {
-                held = false;
-                std::free(error);
-            }
+            xcb_generic_error_t* error = xcb_request_check(connection_, cookie);
+            got[variant] = error == nullptr;
+            std::free(error);
         }
-        if (held)
+        if (std::ranges::all_of(got, [](bool each) { return each; })) {
             row.keycodes.push_back(keycode);
-    }
-}
-
-void X11Hotkeys::ungrab(Grab& row) {
-    for (std::uint8_t keycode : row.keycodes)
+            continue;
+        }
+        // BadAccess: another program holds the chord, which then never fires here. The lock
+        // variants it left free go back too, or a press with a lock on would reach the player
+        // and do nothing.
         for (int variant = 0; variant < 4; ++variant)
-            xcb_ungrab_key(connection_, keycode, root_, row.mask | lockVariants(variant));
-    row.keycodes.clear();
+            if (got[variant])
+                xcb_ungrab_key(connection_, keycode, root_, row.mask | lockVariants(variant));
+    }
 }
 
-void X11Hotkeys::regrabAll() {
-    for (Grab& row : grabs_) {
-        ungrab(row);
-        grab(row);
-    }
-    xcb_flush(connection_);
+// The server keeps one grab per chord for this client, whichever rows share it: a row lets a
+// keycode go only when no other row of the same chord still holds it.
+void X11Hotkeys::ungrab(Grab& row) {
+    auto heldElsewhere = [&](std::uint8_t keycode) {
+        return std::ranges::any_of(grabs_, [&](const Grab& other) {
+            return &other != &row && other.mask == row.mask &&
+                   std::ranges::find(other.keycodes, keycode) != other.keycodes.end();
+        });
+    };
+    for (std::uint8_t keycode : row.keycodes)
+        if (!heldElsewhere(keycode))
+            for (int variant = 0; variant < 4; ++variant)
+                xcb_ungrab_key(connection_, keycode, root_, row.mask | lockVariants(variant));
+    row.keycodes.clear();
 }
 
 void X11Hotkeys::registerHotkey(int id, int modifiers, std::uint32_t vk) {
@@ -190,10 +197,16 @@ bool X11Hotkeys::nativeEventFilter(const QByteArray& eventType, void* message, q
     auto* event = static_cast<xcb_generic_event_t*>(message);
     const std::uint8_t type = event->response_type & ~0x80;
     if (type == XCB_MAPPING_NOTIFY) {
+        // Every row lets go under the old Num Lock bit before any grabs under the new one, so
+        // that rows sharing a chord leave nothing of the old mapping held.
+        for (Grab& row : grabs_)
+            ungrab(row);
         xcb_refresh_keyboard_mapping(symbols_,
                                      reinterpret_cast<xcb_mapping_notify_event_t*>(event));
         numLock_ = numLockMask(connection_, symbols_);
-        regrabAll();
+        for (Grab& row : grabs_)
+            grab(row);
+        xcb_flush(connection_);
         return false;
     }
     if (type != XCB_KEY_PRESS)

@@ -38,7 +38,6 @@ class X11Hotkeys : public QAbstractNativeEventFilter {
     std::vector<std::uint8_t> keycodesOf(std::uint32_t vk);
     void grab(Grab& grab);
     void ungrab(Grab& grab);
-    void regrabAll();
     std::uint16_t lockVariants(int index) const;
 
     PlayerState& st_;

@@ -1,8 +1,10 @@
 #include "core/playerState.h"
 #include "core/windowEvents.h"
+#include "input/actionSteps.h"
 #include "platform/menus.h"
 #include "platform/qtHost.h"
 #include "platform/qtSignals.h"
+#include "platform/x11Hotkeys.h"
 #include "support/output.h"
 #include "support/tempDir.h"
 
@@ -11,6 +13,7 @@
 #include <QMenuBar>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <optional>
 #include <tuple>
 
 namespace {
@@ -58,6 +61,17 @@ TEST(QtBackend, TheRepaintTickRepaintsTheWindowAndABoxWithoutADisplayIsALine) {
                   host::messageBox("No soundfont files found.", "Error", host::Icon::Error, false);
               }),
               "Error: No soundfont files found.\n");
+}
+
+// Off X (offscreen here, Wayland for a user) one line says so, and a registration does nothing.
+// On a real X server the grabs are x11Tests' business.
+TEST(X11Hotkeys, OffAnXServerSayOnceThatTheyAreOffAndReadNoKeyAsDown) {
+    PlayerState st;
+    std::optional<X11Hotkeys> hotkeys;
+    EXPECT_EQ(logOf([&] { hotkeys.emplace(st); }),
+              "Global hotkeys are off: the window system is not X11.\n");
+    hotkeys->registerHotkey(action::volumeUp, 3, 'N');
+    EXPECT_FALSE(hotkeys->keyIsDown(vkControl));
 }
 
 // Every quit signal closing the real program through the close box's path, with its exit code
