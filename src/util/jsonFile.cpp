@@ -1,12 +1,12 @@
 #include "util/jsonFile.h"
 
+#include "util/atomicFile.h"
 #include "util/log.h"
 #include "util/utf8.h"
 
 #include <cerrno>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
@@ -27,31 +27,6 @@ std::string timeStamp() {
     char text[32];
     std::strftime(text, sizeof text, "%Y%m%d-%H%M%S", &local);
     return text;
-}
-
-// A link is written through to its target, so the user's link stays a link.
-std::string resolvedTarget(const std::string& path) {
-    std::error_code ec;
-    if (!fs::is_symlink(path, ec))
-        return path;
-    fs::path target = fs::read_symlink(path, ec);
-    if (ec)
-        return path;
-    return target.is_absolute() ? target.string()
-                                : (fs::path(path).parent_path() / target).string();
-}
-
-bool writeAll(int fd, const std::string& text) {
-    std::size_t done = 0;
-    while (done < text.size()) {
-        ssize_t n = ::write(fd, text.data() + done, text.size() - done);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        done += static_cast<std::size_t>(n);
-    }
-    return true;
 }
 
 enum class FileRead { Missing, NotAFile, Read };
@@ -188,21 +163,7 @@ void appendUtf8JsonString(std::string& out, std::string_view text) {
 }
 
 bool writeJsonText(const std::string& path, const std::string& text) {
-    std::string target = resolvedTarget(path);
-    std::string temporary = target + ".tmp-XXXXXX";
-    int fd = ::mkstemp(temporary.data());
-    if (fd < 0)
-        return false;
-    // mkstemp makes the file private; the player's files are ordinary files of the user.
-    ::fchmod(fd, 0644);
-    bool written = writeAll(fd, text) && ::fsync(fd) == 0;
-    written = ::close(fd) == 0 && written;
-    // The new file takes the old one's place in one step, or not at all.
-    if (!written || std::rename(temporary.c_str(), target.c_str()) != 0) {
-        ::unlink(temporary.c_str());
-        return false;
-    }
-    return true;
+    return writeFileAtomically(path, text);
 }
 
 // A number past the 32-bit range has no integer to cut to, and counts as the wrong type rather

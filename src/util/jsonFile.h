@@ -28,9 +28,8 @@ JsonRead readJsonEvents(const std::string& path, nlohmann::json_sax<nlohmann::js
 void setAsideDamaged(const std::string& path, const std::string& why);
 
 // Sorted keys, an indent of 4, non-ASCII text as it is, no line end at the end, "null" for a
-// null document. Written to a temporary file in the same folder and renamed over the old one (a
-// link is followed to its target), so a crash or a full disk never leaves half a file. False,
-// with the old file intact, when it cannot be written.
+// null document. Written whole by writeFileAtomically (util/atomicFile.h), so a crash or a full
+// disk never leaves half a file. False, with the old file intact, when it cannot be written.
 bool writeJsonFile(const std::string& path, const nlohmann::json& document);
 
 // The same atomic write for JSON text that a writer too large for a document built itself, in
