@@ -1,7 +1,9 @@
 #include "platform/x11Hotkeys.h"
 
 #include "core/playerState.h"
+#include "display/pages.h"
 #include "input/actionSteps.h"
+#include "input/search.h"
 #include "support/recordingPlatform.h"
 
 #include <QCoreApplication>
@@ -196,9 +198,27 @@ TEST_F(X11HotkeysTest, AKeyReadsDownFromItsPressUntilItsRelease) {
         EXPECT_FALSE(hotkeys.keyIsDown(vk));
         ASSERT_TRUE(xdotool({"keydown", keysym}));
         EXPECT_TRUE(turnUntil([&] { return hotkeys.keyIsDown(vk); }));
+        EXPECT_TRUE(hotkeys.keysDown()[vk]);
         ASSERT_TRUE(xdotool({"keyup", keysym}));
         EXPECT_TRUE(turnUntil([&] { return !hotkeys.keyIsDown(vk); }));
     }
+}
+
+// Keys typed into another program land in an open search page, as the 30 ms tick reads them.
+TEST_F(X11HotkeysTest, KeysTypedElsewhereLandInAnOpenSearch) {
+    st.playlists.push_back(Playlist{"A", {Song{"/m/abc_song.mid", 1, 0, 1, musicTypeMidi}}, 1});
+    toggleSearchPage(st);
+    for (const char* key : {"a", "b", "space", "BackSpace", "c"}) {
+        ASSERT_TRUE(xdotool({"keydown", key}));
+        const std::size_t before = st.searchText.size();
+        EXPECT_TRUE(turnUntil([&] {
+            pollSearchKeys(st, hotkeys.keysDown());
+            return st.searchText.size() != before;
+        }));
+        ASSERT_TRUE(xdotool({"keyup", key}));
+    }
+    EXPECT_EQ(st.searchText, "ABC");
+    EXPECT_EQ(st.searchResults, (std::vector<SongRef>{{0, 0}}));
 }
 
 TEST_F(X11HotkeysTest, OfTwoRowsWithOneChordTheLowerRunsAndTheOtherOnceTheLowerLetsGo) {
