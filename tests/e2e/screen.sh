@@ -10,7 +10,7 @@ shots="$PWD"
 # The whole script runs inside an X server of its own. Without -noreset the server resets when
 # its last client leaves, and a polling xdotool that leaves as the player connects fails the start.
 if [ -z "${SCREEN_SH_DISPLAY:-}" ]; then
-    for tool in xvfb-run xdotool ffmpeg; do
+    for tool in xvfb-run xdotool ffmpeg xmessage; do
         command -v "$tool" >/dev/null || { echo "skipped: $tool missing"; exit 77; }
     done
     SCREEN_SH_DISPLAY=1 exec xvfb-run -a -s "-screen 0 1024x768x24 -noreset" "$0" "$@"
@@ -43,11 +43,14 @@ for hz in 440 550 660; do
         "$game/HarpTone/Mp3 Songs/Sines/tone_$hz.mp3" || fail "ffmpeg could not make a song"
 done
 
-# Ctrl+Alt+N (virtual key 78) on row 0, Next Song: a global hotkey.
-row() { echo "{\"alt\": $1, \"ctrl\": $1, \"gameControllerButton\": -1, \"gameControllerTrigger\": -1, \"shift\": false, \"vkKey\": $2}"; }
+# Ctrl+Alt+N (virtual key 78) on row 0, Next Song, and Ctrl+= (187) on row 11, Volume Up: global
+# hotkeys.
+row() { echo "{\"alt\": $1, \"ctrl\": $2, \"gameControllerButton\": -1, \"gameControllerTrigger\": -1, \"shift\": false, \"vkKey\": $3}"; }
 {
-    printf '[%s' "$(row true 78)"
-    for _ in $(seq 29); do printf ',%s' "$(row false 0)"; done
+    printf '[%s' "$(row true true 78)"
+    for id in $(seq 29); do
+        if [ "$id" -eq 11 ]; then printf ',%s' "$(row false true 187)"; else printf ',%s' "$(row false false 0)"; fi
+    done
     printf ']'
 } >"$game/data/hotkeyConfig.json"
 
@@ -102,6 +105,11 @@ waitUpTo 100 onRatioPage || fail "the figures glyph did not show the ratio bars"
 [ "$(lcdSum "$before")" != "$(lcdSum "$figures")" ] || fail "the LCD did not change"
 
 # The hotkey reaches the player whichever window has the focus: the key grab is the root's.
+xmessage -name otherProgram "another program has the focus" &
+other=$!
+trap '[ -n "$pid" ] && kill -9 "$pid" 2>/dev/null; kill "$other" 2>/dev/null; rm -rf "$work"' EXIT
+xdotool search --sync --classname otherProgram windowfocus --sync >/dev/null ||
+    fail "no other window to focus"
 songs="$(drawn)"
 xdotool key ctrl+alt+n
 waitUpTo 100 moved || fail "Ctrl+Alt+N drew no new song"
@@ -110,10 +118,26 @@ xdotool key Caps_Lock Num_Lock
 songs="$(drawn)"
 xdotool key ctrl+alt+n
 waitUpTo 100 moved || fail "Ctrl+Alt+N with the lock keys on drew no new song"
+xdotool key Caps_Lock Num_Lock
+
+# Ctrl+= steps the volume once a press, also held while the keyboard repeats: from 0.5 by two
+# presses and one hold to 0.65, as the settings saved at the end say. The latch lets go at the
+# 100 ms tick after the keys are up.
+xdotool key ctrl+equal
+sleep 0.4
+xdotool key ctrl+equal
+sleep 0.4
+xdotool keydown ctrl+equal
+sleep 1
+xdotool keyup ctrl+equal
+sleep 0.4
 
 kill -TERM "$pid"
 wait "$pid"
 code=$?
 pid=""
 [ "$code" -eq 0 ] || fail "SIGTERM ended the player with $code"
+volume="$(grep -o '"volumeLevel": *[0-9.]*' "$game/data/MusicSettings.json" | grep -o '[0-9.]*$')"
+awk -v v="$volume" 'BEGIN { exit !(v > 0.649 && v < 0.651) }' ||
+    fail "Ctrl+= left the volume at ${volume:-nothing}, not 0.65"
 exit 0
