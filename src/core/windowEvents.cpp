@@ -1,13 +1,14 @@
 #include "core/windowEvents.h"
 
 #include "core/actions.h"
+#include "core/gameCommands.h"
 #include "core/hostPort.h"
 #include "core/playerState.h"
 #include "core/transport.h"
 #include "display/bars.h"
 #include "display/layout.h"
 #include "display/screen.h"
-#include "gamelink/commandFile.h"
+#include "gamelink/songInfo.h"
 #include "input/actionSteps.h"
 #include "input/controllers.h"
 #include "input/search.h"
@@ -90,7 +91,7 @@ bool anyController(const PlayerState& st) {
 // The game link first, so that a command runs before the controllers and the search look.
 void onPollTick(PlayerState& st) {
     if (gameLinkActive(st)) {
-        readCommandFile(st);
+        runGameCommands(st);
         snapshotSongInfo(st);
         writeSongInfo(st);
     }

@@ -1,13 +1,53 @@
 #pragma once
+#include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 struct GameLinkState;
 
-// Tells the game whether the player runs: "yes" at start-up, "no" as the last act of shutdown.
+// The game's folder holds three files: the game drops commands into commands.txt, the player
+// says in MusicRunning.txt whether it runs and publishes what plays in songInfo.txt. All three
+// are touched on the user-interface thread only, and never while marbleTunnelPath is empty.
+std::string commandFilePath(const GameLinkState& st);
+std::string musicRunningPath(const GameLinkState& st);
+std::string songInfoPath(const GameLinkState& st);
+
+// Tells the game whether the player runs: "yes" at start-up, "no" as the last act of shutdown,
+// with no line end. Says on the error stream what it tries and how it went.
 void writeMusicRunning(const GameLinkState& st, const std::string& text);
 
-// The game link's share of the 30 ms tick: the game's commands read and run, then what plays
-// taken and written back for the game.
-void readCommandFile(GameLinkState& st);
-void snapshotSongInfo(GameLinkState& st);
-void writeSongInfo(const GameLinkState& st);
+// Takes the game's commands: the lines of commands.txt in file order (a line ends at byte 10;
+// a last line without one counts), and the file left empty. None, silently, when there is no
+// such file, when it is not a regular file or when it cannot be opened for reading and writing.
+std::vector<std::string> readCommandFile(const GameLinkState& st);
+
+// One line of commands.txt, its word and its numbers read as a C++ stream reads them. The word
+// is compared exactly; what follows the last number is ignored.
+enum class CommandWord {
+    NextSong,
+    Position,
+    Volume,
+    SongPlayDurationMax,
+    SongPlayDurationMin,
+    FadeDurationMs,
+    RawMidi,
+    RawTracker,
+    RawMp3,
+    RawFav,
+    FavoriteCount,
+    PlaySong,
+    FavoritesOnly,
+    PreviousSong,
+    Shuffle,
+    NextPlaylist,
+    NextSoundFont,
+};
+struct GameCommand {
+    CommandWord word = CommandWord::NextSong;
+    float value = 0.0f; // POS and VOL
+    int first = 0;      // the int argument, or PLAY_SONG's playlist
+    int second = 0;     // PLAY_SONG's song
+};
+// Nothing for an unknown word, an empty line, or an argument that is missing or unreadable.
+std::optional<GameCommand> parseCommandLine(std::string_view line);

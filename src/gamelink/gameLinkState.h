@@ -1,5 +1,6 @@
 #pragma once
 #include "display/displayState.h"
+#include "gamelink/songInfo.h"
 
 #include <string>
 
@@ -7,4 +8,7 @@
 struct GameLinkState : DisplayState {
     std::string marbleTunnelPath;
     std::string gameExePath;
+    // What the next write of songInfo.txt holds, and whether the last one failed and said so.
+    SongInfo songInfo;
+    bool songInfoUnwritable = false;
 };

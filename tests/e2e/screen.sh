@@ -33,15 +33,9 @@ waitUpTo() {
     return 1
 }
 
-# A small library of the game's layout: the demo library (tools/layout-run) takes a minute and
-# more to encode. A soundfont is there, so that no box waits for a click.
 game="$work/game"
-mkdir -p "$game/data" "$game/HarpTone/"{"MIDI Songs","Tracker Songs","Mp3 Songs/Sines",SoundFonts}
-ln -s /usr/share/sounds/sf2/TimGM6mb.sf2 "$game/HarpTone/SoundFonts/TimGM6mb.sf2"
-for hz in 440 550 660; do
-    ffmpeg -nostdin -loglevel error -f lavfi -i "sine=frequency=$hz:duration=30" -c:a libmp3lame \
-        "$game/HarpTone/Mp3 Songs/Sines/tone_$hz.mp3" || fail "ffmpeg could not make a song"
-done
+source "$(dirname "$0")/sineLibrary.sh"
+makeSineLibrary "$game" || fail "ffmpeg could not make a song"
 
 # Ctrl+Alt+N (virtual key 78) on row 0, Next Song, and Ctrl+= (187) on row 11, Volume Up: global
 # hotkeys.

@@ -1,0 +1,18 @@
+#pragma once
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Files that another program shares with the player without any locking, read and written in
+// place. Neither call blocks on a FIFO or a device, so both are safe on the user-interface thread.
+
+// The whole content of a regular file, read and then truncated through one descriptor, so that
+// what another program appends while the file is read is taken too rather than cut away. Nothing,
+// with the file untouched, when it is missing, is no regular file (a folder, a FIFO, a device),
+// cannot be opened for reading and writing, or cannot be read or emptied.
+std::optional<std::string> takeFileContents(const std::string& path);
+
+// Writes bytes over the start of the file (made if missing) with one write, then cuts the file to
+// their length, and closes it: no temporary file, no rename, no flush to the disk. A reader
+// never finds the file empty. False when it could not be opened, written whole or cut.
+bool overwriteFile(const std::string& path, std::string_view bytes);
