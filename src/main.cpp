@@ -1,3 +1,4 @@
+#include "dialogs/dialogs.h"
 #include "platform/qtHost.h"
 
 #include <csignal>
@@ -5,5 +6,6 @@
 int main(int argc, char** argv) {
     // A station or a pipe that closes its end must fail a write, not kill the player.
     std::signal(SIGPIPE, SIG_IGN);
+    installDialogs();
     return runPlayer(argc, argv);
 }

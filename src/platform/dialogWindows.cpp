@@ -1,7 +1,11 @@
 #include "platform/dialogWindows.h"
 
-#include <QWidget>
+#include "platform/qtCanvas.h"
+
+#include <QCloseEvent>
+#include <QPainter>
 #include <array>
+#include <map>
 
 namespace {
 
@@ -30,21 +34,44 @@ constexpr std::array<DialogSpec, 9> dialogs{{
 constexpr int windowsFrameWidth = 16;
 constexpr int windowsFrameHeight = 39;
 
+std::map<int, DialogFiller>& fillers() {
+    static std::map<int, DialogFiller> installed;
+    return installed;
+}
+
 } // namespace
+
+void DialogWindow::paintEvent(QPaintEvent*) {
+    if (!paint)
+        return;
+    QPainter painter(this);
+    QtCanvas canvas(painter, width(), height(), fonts_, nullptr);
+    paint(canvas);
+}
+
+void DialogWindow::closeEvent(QCloseEvent* event) {
+    if (closing)
+        closing();
+    closing = nullptr; // once, however the window is closed
+    event->accept();
+}
+
+void installDialogFiller(int id, DialogFiller filler) {
+    fillers()[id] = filler;
+}
 
 QSize dialogClientSize(int outerWidth, int outerHeight) {
     return QSize(outerWidth - windowsFrameWidth, outerHeight - windowsFrameHeight);
 }
 
-QWidget* openDialogWindow(QWidget* owner, int id) {
+DialogWindow* openDialogWindow(QWidget* owner, int id, PlayerState& st) {
     for (const DialogSpec& spec : dialogs) {
         if (spec.id != id)
             continue;
-        // A plain window rather than a QDialog: Escape and Enter close or press nothing here.
         Qt::WindowFlags flags = Qt::Window;
         if (spec.fixedSize)
             flags |= Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint;
-        auto* window = new QWidget(owner, flags);
+        auto* window = new DialogWindow(owner, flags);
         window->setAttribute(Qt::WA_DeleteOnClose);
         window->setWindowTitle(spec.title);
         window->setAutoFillBackground(true);
@@ -53,6 +80,8 @@ QWidget* openDialogWindow(QWidget* owner, int id) {
             window->setFixedSize(client);
         else
             window->resize(client);
+        if (auto filler = fillers().find(id); filler != fillers().end())
+            filler->second(*window, st);
         window->show();
         return window;
     }

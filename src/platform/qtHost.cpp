@@ -191,7 +191,7 @@ void QtBackend::closeMainWindow() {
 }
 
 void QtBackend::openDialog(int id) {
-    openDialogWindow(&window_, id);
+    openDialogWindow(&window_, id, st_);
 }
 
 bool QtBackend::keyIsDown(int vk) {

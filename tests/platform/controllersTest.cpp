@@ -219,24 +219,4 @@ TEST_F(Controllers, TheReadOutNamesSlotZerosInputByItsFamily) {
     }
 }
 
-// The quit closes the controllers before the poll is over: it must not touch them again.
-TEST_F(Controllers, AnActionThatClosesTheControllersEndsThePoll) {
-    attach("Generic Pad");
-    attach("Generic Pad");
-    openControllers(st);
-    for (int pad : {0, 1}) {
-        press(pad, enable);
-        press(pad, buttonA);
-    }
-    static int runs = 0;
-    onTimer(st, host::timerPoll); // takes the presses in
-    st.actionHeld.fill(false);
-    pollControllers(st, [](InputState& input, int) {
-        ++runs;
-        closeControllers(input);
-    });
-    EXPECT_EQ(runs, 1);
-    EXPECT_FALSE(port.isOpen(1));
-}
-
 } // namespace

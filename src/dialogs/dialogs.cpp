@@ -1,0 +1,8 @@
+#include "dialogs/dialogs.h"
+
+#include "core/commands.h"
+#include "platform/dialogWindows.h"
+
+void installDialogs() {
+    installDialogFiller(command::radioDialog, fillRadioOptionDialog);
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+class DialogWindow;
+struct PlayerState;
+
+// Makes each option dialog fill the windows that the menu opens for it; once, before the main
+// window runs.
+void installDialogs();
+
+// The dialogs, each filling a new window of its own.
+void fillRadioOptionDialog(DialogWindow& window, PlayerState& st);

@@ -1,0 +1,52 @@
+#include "dialogs/spinField.h"
+
+#include <QLineEdit>
+#include <QRegularExpressionValidator>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <algorithm>
+
+namespace {
+
+constexpr int upDownWidth = 16;
+
+QToolButton* arrowButton(QWidget* parent, Qt::ArrowType arrow) {
+    auto* button = new QToolButton(parent);
+    button->setArrowType(arrow);
+    button->setAutoRepeat(true);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    return button;
+}
+
+} // namespace
+
+QLineEdit* makeSpinField(QWidget* parent, int editId, QRect box, int value, int maximum,
+                         std::function<void(const QString& text)> changed) {
+    auto* edit = new QLineEdit(parent);
+    edit->setObjectName(QString::number(editId));
+    edit->setGeometry(box.x(), box.y(), box.width() - upDownWidth, box.height());
+    edit->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), edit));
+    edit->setText(QString::number(value));
+    QObject::connect(edit, &QLineEdit::textChanged, edit, std::move(changed));
+
+    auto* upDown = new QWidget(parent);
+    upDown->setObjectName(QString::number(editId + 1));
+    upDown->setGeometry(box.right() + 1 - upDownWidth, box.y(), upDownWidth, box.height());
+    auto* column = new QVBoxLayout(upDown);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    for (int step : {+1, -1}) {
+        QToolButton* button = arrowButton(upDown, step > 0 ? Qt::UpArrow : Qt::DownArrow);
+        column->addWidget(button);
+        QObject::connect(button, &QToolButton::clicked, edit, [edit, step, maximum] {
+            // The field's number, clamped, is where a step starts; the long form keeps a typed
+            // giant from wrapping.
+            const long long now = std::clamp(edit->text().left(12).toLongLong(), 0LL,
+                                             static_cast<long long>(maximum));
+            edit->setText(
+                QString::number(std::clamp(now + step, 0LL, static_cast<long long>(maximum))));
+        });
+    }
+    return edit;
+}
