@@ -76,4 +76,13 @@ void unregisterHotkey(int id) {
         installed->unregisterHotkey(id);
 }
 
+std::optional<std::string> pickFolder(const std::string& title) {
+    return installed ? installed->pickFolder(title) : std::nullopt;
+}
+
+void openUrl(const std::string& address) {
+    if (installed)
+        installed->openUrl(address);
+}
+
 } // namespace host

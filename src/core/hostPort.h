@@ -2,6 +2,7 @@
 #include "input/search.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 // What the logic asks of the window system, and what it tells it. The Qt host installs the real
@@ -57,6 +58,11 @@ struct Port {
     // runKeyboardAction(id). A chord another program holds never fires, unnoticed.
     virtual void registerHotkey(int id, int modifiers, std::uint32_t vk) = 0;
     virtual void unregisterHotkey(int id) = 0;
+    // The system's folder picker over the active window: the folder chosen, or nothing when the
+    // user cancels or nobody could answer.
+    virtual std::optional<std::string> pickFolder(const std::string& title) = 0;
+    // Hands a web address to the user's browser.
+    virtual void openUrl(const std::string& address) = 0;
 };
 
 // The port stays owned by the caller; pass nullptr to remove it. Returns the one it replaced.
@@ -73,5 +79,7 @@ bool keyIsDown(int vk);
 KeysDown keysDown();
 void registerHotkey(int id, int modifiers, std::uint32_t vk);
 void unregisterHotkey(int id);
+std::optional<std::string> pickFolder(const std::string& title);
+void openUrl(const std::string& address);
 
 } // namespace host

@@ -5,4 +5,5 @@
 
 void installDialogs() {
     installDialogFiller(command::radioDialog, fillRadioOptionDialog);
+    installDialogFiller(command::aboutDialog, fillAboutDialog);
 }

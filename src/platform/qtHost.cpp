@@ -18,10 +18,13 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTimer>
+#include <QUrl>
 #include <clocale>
 #include <cstdlib>
 #include <utility>
@@ -192,6 +195,22 @@ void QtBackend::closeMainWindow() {
 
 void QtBackend::openDialog(int id) {
     openDialogWindow(&window_, id, st_);
+}
+
+std::optional<std::string> QtBackend::pickFolder(const std::string& title) {
+    // Nobody could answer a picker that is never shown.
+    if (onOffscreenPlatform())
+        return std::nullopt;
+    const QString folder = QFileDialog::getExistingDirectory(QApplication::activeWindow(),
+                                                             QString::fromStdString(title),
+                                                             QString(), QFileDialog::ShowDirsOnly);
+    if (folder.isEmpty())
+        return std::nullopt;
+    return folder.toStdString();
+}
+
+void QtBackend::openUrl(const std::string& address) {
+    QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
 }
 
 bool QtBackend::keyIsDown(int vk) {

@@ -82,6 +82,8 @@ class QtBackend : public host::Port {
     KeysDown keysDown() override;
     void registerHotkey(int id, int modifiers, std::uint32_t vk) override;
     void unregisterHotkey(int id) override;
+    std::optional<std::string> pickFolder(const std::string& title) override;
+    void openUrl(const std::string& address) override;
     // The screen and the desktop's media controls hear every change here instead of polling.
     void listenToPlayer(std::function<void(host::PlayerChange)> listener);
 

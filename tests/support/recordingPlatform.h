@@ -1,6 +1,7 @@
 #pragma once
 #include "core/hostPort.h"
 
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -36,6 +37,11 @@ class RecordingPlatform : public host::Port {
         hotkeys.push_back({id, modifiers, vk});
     }
     void unregisterHotkey(int) override {}
+    std::optional<std::string> pickFolder(const std::string& title) override {
+        pickerTitles.push_back(title);
+        return folderToPick;
+    }
+    void openUrl(const std::string& address) override { urls.push_back(address); }
 
     std::vector<Box> boxes;
     std::vector<host::PlayerChange> changes;
@@ -48,7 +54,10 @@ class RecordingPlatform : public host::Port {
         std::uint32_t vk;
         friend bool operator==(const Hotkey&, const Hotkey&) = default;
     };
-    std::vector<Hotkey> hotkeys; // registrations, in order
+    std::vector<Hotkey> hotkeys;             // registrations, in order
+    std::optional<std::string> folderToPick; // what the picker answers; nothing is a cancel
+    std::vector<std::string> pickerTitles;
+    std::vector<std::string> urls;
 
   private:
     host::Port* previous_ = nullptr;

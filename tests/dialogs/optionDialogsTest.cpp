@@ -1,8 +1,10 @@
+#include "core/aboutTexts.h"
 #include "core/playerState.h"
 #include "core/radioOptions.h"
 #include "dialogs/dialogs.h"
 #include "platform/dialogWindows.h"
 #include "support/recordingCanvas.h"
+#include "support/recordingPlatform.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -14,17 +16,18 @@
 
 namespace {
 
-// The dialog as the menu opens it, its controls found by their ids.
-struct RadioDialog {
+// A dialog as the menu opens it, its controls found by their ids.
+struct Dialog {
     PlayerState st;
+    RecordingPlatform platform;
     DialogWindow* window = nullptr;
-    RadioDialog() {
+    explicit Dialog(int id) {
         installDialogs();
         std::tie(st.rawMIDI, st.rawMP3, st.rawTracker, st.rawFav, st.rawRadio) =
             std::tuple(50, 50, 50, 50, 20);
-        window = openDialogWindow(nullptr, 9, st);
+        window = openDialogWindow(nullptr, id, st);
     }
-    ~RadioDialog() { delete window; }
+    ~Dialog() { delete window; }
     QLineEdit* edit(int id) { return window->findChild<QLineEdit*>(QString::number(id)); }
     QWidget* control(int id) { return window->findChild<QWidget*>(QString::number(id)); }
     std::vector<std::string> labels() {
@@ -39,7 +42,7 @@ struct RadioDialog {
 };
 
 TEST(RadioOptionDialog, EveryPairStandsAtItsPlaceAndOpensWithItsSetting) {
-    RadioDialog dialog;
+    Dialog dialog(9);
     dialog.st.FADE_DURATION_MS = 8000;
     for (const RadioOptionRow& row : radioOptionRows) {
         QLineEdit* edit = dialog.edit(row.editId);
@@ -53,7 +56,7 @@ TEST(RadioOptionDialog, EveryPairStandsAtItsPlaceAndOpensWithItsSetting) {
 }
 
 TEST(RadioOptionDialog, LabelsShowEachRatiosShareAndAllZeroShowsNoShare) {
-    RadioDialog dialog;
+    Dialog dialog(9);
     const std::vector<std::string> labels = dialog.labels();
     EXPECT_EQ(labels[0], "Raw MIDI Value: 22.7%");
     EXPECT_EQ(labels[3], "Raw Favorite Value: 22.7%");
@@ -64,7 +67,7 @@ TEST(RadioOptionDialog, LabelsShowEachRatiosShareAndAllZeroShowsNoShare) {
 }
 
 TEST(RadioOptionDialog, ChangesAreStoredAtOnceButTheCrossfadeWaitsForTheClosing) {
-    RadioDialog dialog;
+    Dialog dialog(9);
     dialog.edit(1001)->setText("5000"); // past the maximum, taken as it is
     dialog.edit(1025)->setText("99999999999");
     EXPECT_EQ(std::tie(dialog.st.rawMIDI, dialog.st.historyDepth), std::tuple(5000, INT_MAX));
@@ -81,6 +84,20 @@ TEST(RadioOptionDialog, ChangesAreStoredAtOnceButTheCrossfadeWaitsForTheClosing)
     dialog.st.rawMP3 = 0; // a scan resets a ratio while the dialog is open
     static_cast<QPushButton*>(dialog.control(3007))->click();
     EXPECT_EQ(std::tie(dialog.st.FADE_DURATION_MS, dialog.st.rawMP3), std::tuple(INT_MAX, 50));
+}
+
+TEST(AboutDialog, PaintsItsTwoTextsAndItsButtonsOpenTheMakersPages) {
+    Dialog dialog(19);
+    EXPECT_EQ(dialog.labels(), (std::vector<std::string>{aboutFirstText, aboutSecondText}));
+    EXPECT_NE(std::string(aboutFirstText).find("\n\n     For more information, please visit:"),
+              std::string::npos);
+    for (int id : {8000, 8001, 8002, 8003})
+        static_cast<QPushButton*>(dialog.control(id))->click();
+    ASSERT_EQ(dialog.platform.urls.size(), 4u);
+    EXPECT_EQ(dialog.platform.urls[0], "https://www.fernbridge.example/");
+    EXPECT_EQ(dialog.platform.urls[3], "https://www.fernbridge.example/download-marble-tunnel/");
+    EXPECT_EQ(static_cast<QPushButton*>(dialog.control(8000))->text(), makerHost);
+    EXPECT_EQ(dialog.control(8006)->geometry(), QRect(10, 722, 670, 35));
 }
 
 } // namespace
