@@ -6,4 +6,5 @@
 void installDialogs() {
     installDialogFiller(command::radioDialog, fillRadioOptionDialog);
     installDialogFiller(command::aboutDialog, fillAboutDialog);
+    installDialogFiller(command::songInfoDialog, fillSongInfoDialog);
 }

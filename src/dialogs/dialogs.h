@@ -10,3 +10,4 @@ void installDialogs();
 // The dialogs, each filling a new window of its own.
 void fillRadioOptionDialog(DialogWindow& window, PlayerState& st);
 void fillAboutDialog(DialogWindow& window, PlayerState& st);
+void fillSongInfoDialog(DialogWindow& window, PlayerState& st);

@@ -1,10 +1,14 @@
 #include "core/aboutTexts.h"
 #include "core/playerState.h"
 #include "core/radioOptions.h"
+#include "core/songInfoTexts.h"
 #include "dialogs/dialogs.h"
+#include "library/history.h"
+#include "library/model.h"
 #include "platform/dialogWindows.h"
 #include "support/recordingCanvas.h"
 #include "support/recordingPlatform.h"
+#include "util/textFormat.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -98,6 +102,28 @@ TEST(AboutDialog, PaintsItsTwoTextsAndItsButtonsOpenTheMakersPages) {
     EXPECT_EQ(dialog.platform.urls[3], "https://www.fernbridge.example/download-marble-tunnel/");
     EXPECT_EQ(static_cast<QPushButton*>(dialog.control(8000))->text(), makerHost);
     EXPECT_EQ(dialog.control(8006)->geometry(), QRect(10, 722, 670, 35));
+}
+
+TEST(SongInfoDialog, PaintsGroupedFiguresAnEmptyFontLineAndClearsTheHistoryAtOnce) {
+    Dialog empty(12);
+    EXPECT_EQ(empty.labels()[0], "Total Songs: 0  |  MIDI: 0  |  MP3: 0  |  Tracker: 0  |  Fav: 0");
+    EXPECT_EQ(empty.labels()[5], ""); // no soundfont listed
+
+    Dialog dialog(12);
+    dialog.st.weightedSongTotal = 1234567;
+    dialog.st.playlists.push_back({"A", std::vector<Song>(1000, Song{"/a.xm"}), 1000});
+    appendHistory(dialog.st, 1, 0, 0);
+    EXPECT_EQ(dialog.labels()[1], "Total Songs (with favorite count): 1,000 (1,234,567)");
+    EXPECT_EQ(dialog.labels()[3], "Song History: 1  |  Current Position: 1");
+    static_cast<QPushButton*>(dialog.control(3012))->click();
+    EXPECT_EQ(dialog.labels()[3], "Song History: 0  |  Current Position: 1");
+    EXPECT_EQ(std::tuple(groupedNumber(-1234), groupedNumber(999), groupedNumber(LLONG_MIN)),
+              std::tuple("-1,234", "999", "-9,223,372,036,854,775,808"));
+
+    // Of two windows, the first tick to look clears the flag.
+    dialog.st.songInfoDirty = true;
+    EXPECT_TRUE(takeSongInfoChange(dialog.st));
+    EXPECT_FALSE(takeSongInfoChange(dialog.st));
 }
 
 } // namespace
