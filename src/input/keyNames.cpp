@@ -150,8 +150,11 @@ std::vector<std::uint32_t> keysymsOfVirtualKey(std::uint32_t vk) {
 }
 
 std::uint32_t virtualKeyOfKeysym(std::uint32_t keysym) {
-    if (keysym >= 'A' && keysym <= 'Z')
+    // Letters and digits are their own codes; the search asks for them at every tick.
+    if ((keysym >= 'A' && keysym <= 'Z') || (keysym >= '0' && keysym <= '9'))
         return keysym;
+    if (keysym >= 'a' && keysym <= 'z')
+        return keysym - ('a' - 'A');
     for (std::uint32_t vk = 1; vk < 256; ++vk)
         for (std::uint32_t each : keysymsOfVirtualKey(vk))
             if (each == keysym)

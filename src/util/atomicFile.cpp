@@ -1,6 +1,7 @@
 #include "util/atomicFile.h"
 
-#include <cerrno>
+#include "util/plainFile.h"
+
 #include <cstdio>
 #include <filesystem>
 #include <stdlib.h>
@@ -21,19 +22,6 @@ std::string resolvedTarget(const std::string& path) {
         return path;
     return target.is_absolute() ? target.string()
                                 : (fs::path(path).parent_path() / target).string();
-}
-
-bool writeAll(int fd, std::string_view bytes) {
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        done += static_cast<std::size_t>(n);
-    }
-    return true;
 }
 
 } // namespace

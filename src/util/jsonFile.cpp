@@ -2,9 +2,9 @@
 
 #include "util/atomicFile.h"
 #include "util/log.h"
+#include "util/plainFile.h"
 #include "util/utf8.h"
 
-#include <cerrno>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -13,8 +13,6 @@
 #include <filesystem>
 #include <limits>
 #include <nlohmann/json.hpp>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -31,32 +29,20 @@ std::string timeStamp() {
 
 enum class FileRead { Missing, NotAFile, Read };
 
-// The whole file in one read. A folder or a device under the name is no file to parse: it would
-// give no text, or never end.
+// The whole file. A folder or a device under the name is no file to parse: it would give no
+// text, or never end.
 FileRead readWholeFile(const std::string& path, std::string& text) {
-    int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0)
+    FileDescriptor file;
+    switch (openRegularFile(path, O_RDONLY, file)) {
+    case RegularOpen::Missing:
         return FileRead::Missing;
-    struct stat info;
-    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
-        ::close(fd);
+    case RegularOpen::NotAFile:
         logErr("%s is not a file and is not read.\n", path.c_str());
         return FileRead::NotAFile;
+    case RegularOpen::Open:
+        break;
     }
-    text.resize(static_cast<std::size_t>(info.st_size));
-    std::size_t done = 0;
-    for (;;) {
-        if (done == text.size())
-            text.resize(text.size() + 4096); // the file grew since fstat
-        ssize_t n = ::read(fd, text.data() + done, text.size() - done);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            break;
-        done += static_cast<std::size_t>(n);
-    }
-    ::close(fd);
-    text.resize(done);
+    readToEnd(file.get(), text); // a read error keeps what came before it
     return FileRead::Read;
 }
 

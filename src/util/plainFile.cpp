@@ -5,24 +5,28 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace {
+FileDescriptor::~FileDescriptor() {
+    reset(-1);
+}
 
-class FileDescriptor {
-  public:
-    explicit FileDescriptor(int fd) : fd_(fd) {}
-    ~FileDescriptor() {
-        if (fd_ >= 0)
-            ::close(fd_);
+void FileDescriptor::reset(int fd) {
+    if (fd_ >= 0)
+        ::close(fd_);
+    fd_ = fd;
+}
+
+RegularOpen openRegularFile(const std::string& path, int flags, FileDescriptor& file) {
+    file.reset(::open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (file.get() < 0)
+        return RegularOpen::Missing;
+    struct stat info {};
+    if (::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
+        file.reset(-1);
+        return RegularOpen::NotAFile;
     }
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    int get() const { return fd_; }
+    return RegularOpen::Open;
+}
 
-  private:
-    int fd_;
-};
-
-// Reads on to the end of the file; false on a read error.
 bool readToEnd(int fd, std::string& bytes) {
     char buffer[16384];
     for (;;) {
@@ -36,17 +40,23 @@ bool readToEnd(int fd, std::string& bytes) {
     }
 }
 
-} // namespace
+bool writeAll(int fd, std::string_view bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        done += static_cast<std::size_t>(n);
+    }
+    return true;
+}
 
 std::optional<std::string> takeFileContents(const std::string& path) {
-    // O_NONBLOCK: the open of a FIFO would otherwise wait for a writer. fstat then turns away
-    // whatever is not a plain file before a single byte is read from it.
-    FileDescriptor file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat info {};
-    if (file.get() < 0 || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))
-        return std::nullopt;
+    FileDescriptor file;
     std::string bytes;
-    if (!readToEnd(file.get(), bytes))
+    if (openRegularFile(path, O_RDWR, file) != RegularOpen::Open || !readToEnd(file.get(), bytes))
         return std::nullopt;
     // The read that found the end comes right before the truncation: only what is written between
     // these two calls is lost. An empty file is left as it is, its times too.
@@ -58,15 +68,10 @@ std::optional<std::string> takeFileContents(const std::string& path) {
 bool overwriteFile(const std::string& path, std::string_view bytes) {
     // Not O_TRUNC: ext4 flushes a file that was truncated to nothing and written again when it is
     // closed, which costs a disk write at every call. Writing first and cutting the tail after
-    // keeps the blocks and leaves the flush to the kernel's own pace.
+    // keeps the blocks and leaves the flush to the kernel's own pace. A regular file takes the
+    // bytes in one write.
     FileDescriptor file(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0644));
-    if (file.get() < 0)
-        return false;
-    ssize_t written = 0;
-    do
-        written = ::write(file.get(), bytes.data(), bytes.size());
-    while (written < 0 && errno == EINTR);
-    return written == static_cast<ssize_t>(bytes.size()) &&
+    return file.get() >= 0 && writeAll(file.get(), bytes) &&
            ::ftruncate(file.get(), static_cast<off_t>(bytes.size())) == 0;
 }

@@ -3,6 +3,30 @@
 #include <string>
 #include <string_view>
 
+// A file descriptor that closes itself.
+class FileDescriptor {
+  public:
+    explicit FileDescriptor(int fd = -1) : fd_(fd) {}
+    ~FileDescriptor();
+    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(const FileDescriptor&) = delete;
+    int get() const { return fd_; }
+    void reset(int fd);
+
+  private:
+    int fd_;
+};
+
+// Opens path with flags (O_RDONLY, O_RDWR ...) and keeps it only when it is a regular file. It
+// is opened non-blocking, so a FIFO does not wait for a writer, and a folder or a device, which
+// would give no text or never end, is turned away before a byte is read.
+enum class RegularOpen { Missing, NotAFile, Open };
+RegularOpen openRegularFile(const std::string& path, int flags, FileDescriptor& file);
+// Reads on to the end of the file, appending; false on a read error (what came before stays).
+bool readToEnd(int fd, std::string& bytes);
+// Writes all the bytes, again after an interruption; false on an error.
+bool writeAll(int fd, std::string_view bytes);
+
 // Files that another program shares with the player without any locking, read and written in
 // place. Neither call blocks on a FIFO or a device, so both are safe on the user-interface thread.
 

@@ -4,6 +4,7 @@
 #include "core/playerState.h"
 #include "display/layout.h"
 #include "display/pages.h"
+#include "support/oneSongPlayer.h"
 #include "support/recordingCanvas.h"
 #include "support/recordingPlatform.h"
 
@@ -15,14 +16,7 @@ namespace {
 class Screen : public testing::Test {
   protected:
     Screen() {
-        st.directoryPaths = {"/music"};
-        st.playlists.push_back(Playlist{"Rock", {Song{"/music/Rock/song.mp3", 1, 4, 2, 1}}, 1});
-        st.totalSongCount = 1;
-        st.playlistCount = 1;
-        st.songTitle = "A Song";
-        st.songFilePath = "/music/Rock/song.mp3";
-        st.currentMusicType = musicTypeMp3;
-        st.segmentEnd = 130;
+        setUpOneSong(st);
         resize(500, 155);
     }
     void resize(int width, int height) {

@@ -1,6 +1,7 @@
 #include "core/playerState.h"
 #include "display/layout.h"
 #include "platform/qtHost.h"
+#include "support/oneSongPlayer.h"
 
 #include <QApplication>
 #include <QDir>
@@ -15,14 +16,7 @@ const QColor text(250, 200, 40), back(30, 60, 140), lcd(20, 140, 70);
 
 // A player of one song with the colours above and no LCD texture.
 void setUpPlayer(PlayerState& st) {
-    st.directoryPaths = {"/music"};
-    st.playlists.push_back(Playlist{"Rock", {Song{"/music/Rock/song.mp3", 1, 4, 2, 1}}, 1});
-    st.totalSongCount = 1;
-    st.playlistCount = 1;
-    st.songTitle = "A Song";
-    st.songFilePath = "/music/Rock/song.mp3";
-    st.currentMusicType = musicTypeMp3;
-    st.segmentEnd = 130;
+    setUpOneSong(st);
     st.volume = 0.3f;
     st.textureAlpha = 0;
     std::tie(st.textR, st.textG, st.textB) = std::tuple(text.red(), text.green(), text.blue());
