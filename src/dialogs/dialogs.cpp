@@ -7,4 +7,6 @@ void installDialogs() {
     installDialogFiller(command::radioDialog, fillRadioOptionDialog);
     installDialogFiller(command::aboutDialog, fillAboutDialog);
     installDialogFiller(command::songInfoDialog, fillSongInfoDialog);
+    installDialogFiller(command::favoritesDialog, fillFavoriteOptionsDialog);
+    installDialogFiller(command::foldersDialog, fillFolderDialog);
 }

@@ -11,3 +11,5 @@ void installDialogs();
 void fillRadioOptionDialog(DialogWindow& window, PlayerState& st);
 void fillAboutDialog(DialogWindow& window, PlayerState& st);
 void fillSongInfoDialog(DialogWindow& window, PlayerState& st);
+void fillFavoriteOptionsDialog(DialogWindow& window, PlayerState& st);
+void fillFolderDialog(DialogWindow& window, PlayerState& st);

@@ -21,13 +21,14 @@ QToolButton* arrowButton(QWidget* parent, Qt::ArrowType arrow) {
 
 } // namespace
 
-QLineEdit* makeSpinField(QWidget* parent, int editId, QRect box, int value, int maximum,
-                         std::function<void(const QString& text)> changed) {
+QLineEdit* makeSpinField(QWidget* parent, int editId, QRect box, std::optional<int> value,
+                         int maximum, std::function<void(const QString& text)> changed) {
     auto* edit = new QLineEdit(parent);
     edit->setObjectName(QString::number(editId));
     edit->setGeometry(box.x(), box.y(), box.width() - upDownWidth, box.height());
     edit->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), edit));
-    edit->setText(QString::number(value));
+    if (value)
+        edit->setText(QString::number(*value));
     QObject::connect(edit, &QLineEdit::textChanged, edit, std::move(changed));
 
     auto* upDown = new QWidget(parent);

@@ -24,6 +24,9 @@ struct LibraryState {
     // The songs' texts for the type-ahead search, made when the page opens; whatever replaces
     // playlists drops it.
     SearchIndex searchIndex;
+    // Each root the last scan could not read, as "path (reason)"; the Folder dialog names them,
+    // since the log is nothing a desktop user sees.
+    std::vector<std::string> unreadableRoots;
 
     // --- The family ratios: the recount zeroes the ratio of a family without songs.
     int rawMIDI = 50;

@@ -13,6 +13,7 @@
 void scanAllRoots(LibraryState& st) {
     st.playlists.clear();
     st.searchIndex = {};
+    st.unreadableRoots.clear();
     st.scanSongCount = 0;
     st.scanPlaylistCount = 0;
     for (const std::string& root : st.directoryPaths) {

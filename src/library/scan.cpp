@@ -9,6 +9,7 @@
 #include "util/log.h"
 #include "util/paths.h"
 
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <sys/stat.h>
@@ -62,15 +63,25 @@ void walkFolder(LibraryState& st, std::string& path, Playlist& playlist) {
 
 std::vector<Playlist> scanRoot(LibraryState& st, const std::string& root) {
     struct stat info;
-    if (root.empty() || ::stat(root.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
+    int error = 0;
+    if (root.empty())
+        error = ENOENT;
+    else if (::stat(root.c_str(), &info) != 0)
+        error = errno;
+    else if (!S_ISDIR(info.st_mode))
+        error = ENOTDIR;
+    if (error != 0) {
         logErr("Directory does not exist or is not a directory: %s\n", root.c_str());
+        st.unreadableRoots.push_back(root + " (" + std::strerror(error) + ")");
         return {};
     }
     // A link directly in the root is taken as what it points to, so that an album folder linked
     // into the root is a playlist; below that level the walk follows no folder link.
     FolderListing top = listFolder(root, LinkPolicy::Follow);
-    if (top.error != 0)
+    if (top.error != 0) {
         reportUnreadable(root, top.error);
+        st.unreadableRoots.push_back(root + " (" + std::strerror(top.error) + ")");
+    }
     std::string prefix = root;
     if (prefix.back() != '/')
         prefix += '/';
@@ -99,6 +110,7 @@ std::vector<Playlist> scanRoot(LibraryState& st, const std::string& root) {
 void scanDefaultMusicFolder(LibraryState& st) {
     st.playlists.clear();
     st.searchIndex = {};
+    st.unreadableRoots.clear();
     st.scanSongCount = 0;
     st.scanPlaylistCount = 0;
     st.playlists = scanRoot(st, defaultMusicFolder());

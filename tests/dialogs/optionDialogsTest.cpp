@@ -2,48 +2,111 @@
 #include "core/playerState.h"
 #include "core/radioOptions.h"
 #include "core/songInfoTexts.h"
+#include "core/transport.h"
+#include "core/windowEvents.h"
 #include "dialogs/dialogs.h"
 #include "library/history.h"
 #include "library/model.h"
+#include "media/moduleWriter.h"
 #include "platform/dialogWindows.h"
+#include "support/oneSongPlayer.h"
 #include "support/recordingCanvas.h"
 #include "support/recordingPlatform.h"
+#include "support/startedPlayer.h"
+#include "support/tempDir.h"
 #include "util/textFormat.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
+#include <QTimer>
 #include <QToolButton>
 #include <climits>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
-// A dialog as the menu opens it, its controls found by their ids.
+std::vector<RecordingCanvas::Call> paintedTexts(DialogWindow& window) {
+    RecordingCanvas canvas;
+    window.paint(canvas);
+    std::erase_if(canvas.calls, [](const RecordingCanvas::Call& call) {
+        return call.kind != RecordingCanvas::Kind::Text;
+    });
+    return canvas.calls;
+}
+
+// A dialog as the menu opens it over a state of its own, its controls found by their ids.
 struct Dialog {
+    TempDir data;
     PlayerState st;
     RecordingPlatform platform;
     DialogWindow* window = nullptr;
-    explicit Dialog(int id) {
+    explicit Dialog(int id, void (*setUp)(PlayerState&) = nullptr) {
         installDialogs();
+        st.dataDirectory = data.str();
         std::tie(st.rawMIDI, st.rawMP3, st.rawTracker, st.rawFav, st.rawRadio) =
             std::tuple(50, 50, 50, 50, 20);
+        if (setUp)
+            setUp(st);
         window = openDialogWindow(nullptr, id, st);
     }
     ~Dialog() { delete window; }
     QLineEdit* edit(int id) { return window->findChild<QLineEdit*>(QString::number(id)); }
     QWidget* control(int id) { return window->findChild<QWidget*>(QString::number(id)); }
+    void click(int id) { static_cast<QPushButton*>(control(id))->click(); }
     std::vector<std::string> labels() {
-        RecordingCanvas canvas;
-        window->paint(canvas);
         std::vector<std::string> texts;
-        for (const RecordingCanvas::Call& call : canvas.calls)
-            if (call.kind == RecordingCanvas::Kind::Text)
-                texts.push_back(call.text);
+        for (const RecordingCanvas::Call& call : paintedTexts(*window))
+            texts.push_back(call.text);
         return texts;
     }
+    // The dialog's own timer, fired now rather than waited for.
+    void tick() {
+        QTimer* timer = window->findChild<QTimer*>();
+        timer->start(0);
+        QApplication::processEvents();
+    }
 };
+
+TEST(OptionDialogs, EveryControlStandsAtItsPlaceInsideItsWindow) {
+    struct Place {
+        int dialog, id;
+        QRect box;
+    };
+    const Place places[] = {
+        {16, 4101, {25, 50, 565, 25}},   {16, 4102, {30, 90, 100, 25}},
+        {16, 4103, {180, 90, 120, 25}},  {16, 4104, {25, 170, 565, 25}},
+        {16, 4108, {30, 210, 100, 25}},  {16, 4112, {130, 210, 100, 25}},
+        {16, 4110, {25, 290, 565, 25}},  {16, 4109, {30, 330, 100, 25}},
+        {16, 4111, {130, 330, 100, 25}}, {16, 4106, {20, 390, 580, 200}},
+        {16, 4107, {10, 590, 100, 25}},  {16, 3007, {135, 590, 100, 25}},
+        {16, 4105, {260, 590, 150, 25}}, {10, 1015, {130, 80, 64, 20}},
+        {10, 1016, {194, 80, 16, 20}},   {10, 1100, {300, 75, 150, 30}},
+        {10, 3011, {20, 110, 200, 30}},  {10, 3007, {300, 110, 150, 30}},
+        {12, 3012, {350, 70, 160, 25}},  {12, 3007, {10, 240, 560, 35}},
+        {19, 8006, {10, 722, 670, 35}},  {9, 3007, {280, 187, 250, 30}},
+    };
+    for (const Place& place : places) {
+        Dialog dialog(place.dialog);
+        ASSERT_NE(dialog.control(place.id), nullptr) << place.dialog << " " << place.id;
+        EXPECT_EQ(dialog.control(place.id)->geometry(), place.box)
+            << place.dialog << " " << place.id;
+    }
+    const std::tuple<int, int, int> sizes[] = {
+        {9, 570, 320}, {10, 540, 288}, {12, 600, 330}, {16, 690, 700}, {19, 710, 810}};
+    for (auto [id, width, height] : sizes) {
+        Dialog dialog(id);
+        EXPECT_EQ(dialog.window->size(), dialogClientSize(width, height)) << id;
+        for (const QWidget* child :
+             dialog.window->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            EXPECT_TRUE(dialog.window->rect().contains(child->geometry())) << id;
+    }
+}
 
 TEST(RadioOptionDialog, EveryPairStandsAtItsPlaceAndOpensWithItsSetting) {
     Dialog dialog(9);
@@ -124,6 +187,198 @@ TEST(SongInfoDialog, PaintsGroupedFiguresAnEmptyFontLineAndClearsTheHistoryAtOnc
     dialog.st.songInfoDirty = true;
     EXPECT_TRUE(takeSongInfoChange(dialog.st));
     EXPECT_FALSE(takeSongInfoChange(dialog.st));
+}
+
+TEST(FolderDialog, AddsEachFolderOnceAndStoresThePickedFolders) {
+    Dialog dialog(16);
+    PlayerState& st = dialog.st;
+    st.playlists.push_back({"Kept", {Song{"/music/Kept/a.xm"}}, 1});
+    dialog.click(4105); // "Scan" without rows
+    dialog.click(4103); // "Add Directory" of nothing
+    EXPECT_TRUE(st.directoryPaths.empty());
+    EXPECT_EQ(st.playlists.size(), 1u);
+
+    dialog.edit(4101)->setText("/music/Rock");
+    dialog.click(4103);
+    dialog.edit(4101)->setText("/MUSIC/rock");
+    dialog.click(4103);
+    EXPECT_EQ(st.directoryPaths, std::vector<std::string>{"/music/Rock"});
+    EXPECT_EQ(dialog.window->findChild<QListWidget*>("4106")->count(), 1);
+    ASSERT_EQ(dialog.platform.boxes.size(), 1u);
+    EXPECT_EQ(std::tie(dialog.platform.boxes[0].text, dialog.platform.boxes[0].title),
+              std::tuple("This directory is already added.", "Information"));
+    EXPECT_EQ(dialog.edit(4101)->text(), "/MUSIC/rock");
+    const std::string config = dialog.data.str() + "/config.json";
+    EXPECT_FALSE(std::filesystem::exists(config)); // an add saves nothing
+
+    // A pick saves in every mode; only the two other folders are stored; a cancel stores nothing.
+    dialog.platform.folderToPick = "/picked/fonts";
+    dialog.click(4102);
+    EXPECT_EQ(dialog.edit(4101)->text(), "/picked/fonts");
+    EXPECT_EQ(st.directoryPaths.size(), 1u);
+    EXPECT_TRUE(std::filesystem::exists(config));
+    dialog.click(4108);
+    EXPECT_EQ(std::tie(st.soundFontDirectoryPath, st.marbleTunnelPath),
+              std::tuple("/picked/fonts", ""));
+    EXPECT_EQ(dialog.edit(4104)->text(), "/picked/fonts");
+    EXPECT_NE(TempDir::read(config).find("/picked/fonts"), std::string::npos);
+    dialog.platform.folderToPick.reset();
+    dialog.click(4109);
+    EXPECT_EQ(st.marbleTunnelPath, "");
+    EXPECT_EQ(dialog.platform.pickerTitles,
+              (std::vector<std::string>{"Browse for Music Folder", "Select SoundFont Folder",
+                                        "Select Marble Tunnel Folder"}));
+    dialog.click(4112);
+    EXPECT_EQ(st.soundFontDirectoryPath, "");
+    EXPECT_EQ(TempDir::read(config).find("/picked/fonts"), std::string::npos);
+}
+
+TEST(FolderDialog, ScansTheAddedRootsNamesAMissingOneAndDeletePathLeavesTheMusicStopped) {
+    GameFolder folder;
+    StartedPlayer player(folder);
+    PlayerState& st = player.st;
+    const std::string a = folder.root.str() + "/A", b = folder.root.str() + "/B";
+    ASSERT_TRUE(media::writeMod(folder.root.mkdir("A/Chip").string() + "/one.mod"));
+    ASSERT_TRUE(media::writeMod(folder.root.mkdir("B/Jazz").string() + "/two.mod"));
+    st.directoryPaths.clear();
+    installDialogs();
+    std::unique_ptr<DialogWindow> window(openDialogWindow(nullptr, 16, st));
+    auto control = [&](int id) { return window->findChild<QWidget*>(QString::number(id)); };
+    auto click = [&](int id) { static_cast<QPushButton*>(control(id))->click(); };
+    for (const std::string& root : {a, b, folder.root.str() + "/gone"}) {
+        static_cast<QLineEdit*>(control(4101))->setText(QString::fromStdString(root));
+        click(4103);
+    }
+    ScopedCurrentDirectory cwd(folder.data);
+    click(4105);
+    ASSERT_EQ(st.playlists.size(), 2u);
+    EXPECT_EQ(std::tie(st.playlists[0].albumName, st.playlists[1].albumName),
+              std::tuple("Chip", "Jazz"));
+    EXPECT_EQ(transportState(st), TransportState::Playing);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    EXPECT_TRUE(window->isEnabled());
+    EXPECT_EQ(paintedTexts(*window).back().text,
+              "Could not read: " + folder.root.str() + "/gone (No such file or directory)");
+    EXPECT_NE(folder.read("data/MusicSettings.json").find(a), std::string::npos);
+
+    // Without a selection the music stops and stays stopped, and nothing else changes.
+    click(4107);
+    for (int tick = 0; tick < 3; ++tick)
+        onTimer(st, host::timerRepaint);
+    EXPECT_EQ(transportState(st), TransportState::Idle);
+    EXPECT_TRUE(st.libraryEditInProgress);
+    EXPECT_EQ(std::tuple(st.playlists.size(), st.directoryPaths.size()), std::tuple(2u, 3u));
+
+    auto* list = window->findChild<QListWidget*>("4106");
+    for (int row = 2; row >= 0; --row) {
+        list->setCurrentRow(row);
+        click(4107);
+    }
+    EXPECT_EQ(std::tuple(st.playlists.size(), st.directoryPaths.size(), list->count()),
+              std::tuple(0u, 0u, 0));
+    EXPECT_EQ(transportState(st), TransportState::Idle);
+    click(3007);
+    EXPECT_FALSE(st.libraryEditInProgress);
+}
+
+TEST(FavoriteOptionsDialog, CountsWhatPlaysFollowsTheSongAndCyclesTheFilterInPlace) {
+    Dialog dialog(10, [](PlayerState& st) {
+        setUpOneSong(st);
+        st.stationMode = stationModeStation;
+    });
+    PlayerState& st = dialog.st;
+    const Song& song = st.playlists[0].songs[0];
+    EXPECT_EQ(dialog.edit(1015)->text(), "2");
+    EXPECT_EQ(dialog.labels()[0], "A Song");
+    dialog.edit(1015)->setText("0");
+    EXPECT_EQ(std::tie(song.isFavorite, song.favoriteCount), std::tuple(0, 0));
+    dialog.edit(1015)->setText("1");
+    EXPECT_EQ(std::tie(song.isFavorite, song.favoriteCount), std::tuple(1, 1));
+    dialog.edit(1015)->setText("5000"); // past the arrows' range, taken as it is
+    EXPECT_EQ(song.favoriteCount, 5000);
+
+    auto* filter = static_cast<QPushButton*>(dialog.control(1100));
+    const std::string names[] = {"Favorites Only", "No Favorites Allowed", "All Songs"};
+    for (const std::string& name : names) {
+        filter->click();
+        EXPECT_EQ(filter->text().toStdString(), name);
+    }
+    EXPECT_EQ(std::tie(st.builtInStation, st.stationMode), std::tuple(0, stationModeRadio));
+    EXPECT_FALSE(st.songInfoDirty); // no transition started
+
+    dialog.click(3011);
+    dialog.tick();
+    EXPECT_EQ(dialog.edit(1015)->text(), "0");
+
+    // A station keeps what the user typed over the ticks; one past the list takes nothing.
+    st.onStation = true;
+    st.streamTitle = "Live";
+    st.radioStations = {{"Station", "http://127.0.0.1/", 0, 0}};
+    dialog.edit(1015)->setText("7");
+    dialog.tick();
+    EXPECT_EQ(dialog.edit(1015)->text(), "7");
+    EXPECT_EQ(std::tie(st.radioStations[0].favorite, st.radioStations[0].favoriteCount),
+              std::tuple(1, 7));
+    EXPECT_EQ(dialog.labels()[0], "Live");
+    st.currentStation = 3;
+    dialog.edit(1015)->setText("9");
+    EXPECT_EQ(std::tie(st.radioStations[0].favoriteCount, song.favoriteCount), std::tuple(7, 0));
+
+    Dialog empty(10);
+    EXPECT_EQ(empty.edit(1015)->text(), "");
+    empty.edit(1015)->setText("4");
+    empty.tick();
+    EXPECT_EQ(empty.edit(1015)->text(), "");
+}
+
+// Dark enough to be text: the black of the painted texts, smoothed at its edges.
+bool dark(QRgb pixel) {
+    return qGray(pixel) < 96;
+}
+
+// Each dialog as a person would see it, saved beside the tests: its texts inside their boxes, no
+// ink anywhere else on its surface, and the Folder window's headings centred.
+TEST(OptionDialogs, GrabbedWindowsShowTheirTextsInTheirBoxesOnly) {
+    QDir().mkpath(SCREENSHOT_DIR);
+    for (int id : {9, 10, 12, 16, 19}) {
+        SCOPED_TRACE(id);
+        Dialog dialog(id, setUpOneSong);
+        const QImage image = dialog.window->grab().toImage();
+        EXPECT_TRUE(image.save(QString(SCREENSHOT_DIR "/dialog-%1.png").arg(id)));
+        auto inkIn = [&image](QRect box) {
+            std::vector<QPoint> ink;
+            box &= image.rect();
+            for (int y = box.top(); y <= box.bottom(); ++y)
+                for (int x = box.left(); x <= box.right(); ++x)
+                    if (dark(image.pixel(x, y)))
+                        ink.emplace_back(x, y);
+            return ink;
+        };
+        QRegion used;
+        for (const RecordingCanvas::Call& call : paintedTexts(*dialog.window)) {
+            const QRect box(call.box.x, call.box.y, call.box.width, call.box.height);
+            used += box;
+            if (!call.text.empty()) {
+                EXPECT_GT(inkIn(box).size(), 10u) << call.text;
+            }
+        }
+        for (const QWidget* child :
+             dialog.window->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            used += child->geometry();
+        const std::vector<QPoint> all = inkIn(image.rect());
+        EXPECT_EQ(std::count_if(all.begin(), all.end(),
+                                [&used](QPoint at) { return !used.contains(at); }),
+                  0);
+        if (id != 16)
+            continue;
+        for (int top : {20, 140, 260}) {
+            const std::vector<QPoint> ink = inkIn({20, top, 580, 25});
+            ASSERT_FALSE(ink.empty());
+            const auto [left, right] = std::minmax_element(
+                ink.begin(), ink.end(), [](QPoint p, QPoint q) { return p.x() < q.x(); });
+            EXPECT_NEAR((left->x() + right->x()) / 2.0, 310.0, 3.0) << top;
+        }
+    }
 }
 
 } // namespace
