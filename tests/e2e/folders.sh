@@ -1,0 +1,90 @@
+#!/usr/bin/env bash
+# Points the real player at a new music folder under Xvfb as a user would: File, "Select Local
+# Folders", "Browse", the folder typed into Qt's own picker, "Add Directory", "Scan". A song of
+# that folder must be drawn, and MusicSettings.json must keep the folder after the player ends.
+# The settings name a root that does not exist, so the library starts empty and the window names
+# that root after the scan; the window is left in the current folder as folders-dialog.png.
+# Usage: folders.sh PLAYER
+set -uo pipefail
+player="$(realpath "$1")"
+shots="$PWD"
+if [ -z "${FOLDERS_SH_DISPLAY:-}" ]; then
+    for tool in xvfb-run xdotool ffmpeg; do
+        command -v "$tool" >/dev/null || { echo "skipped: $tool missing"; exit 77; }
+    done
+    FOLDERS_SH_DISPLAY=1 exec xvfb-run -a -s "-screen 0 1024x768x24 -noreset" "$0" "$@"
+fi
+
+work="$(mktemp -d)"
+pid=""
+trap '[ -n "$pid" ] && kill -9 "$pid" 2>/dev/null; rm -rf "$work"' EXIT
+log="$work/player.log"
+fail() { echo "FAIL: $*"; cat "$log" 2>/dev/null; exit 1; }
+waitUpTo() {
+    local tenths="$1"
+    shift
+    for _ in $(seq "$tenths"); do
+        "$@" && return 0
+        [ -z "$pid" ] || kill -0 "$pid" 2>/dev/null || return 1
+        sleep 0.1
+    done
+    return 1
+}
+
+game="$work/game"
+source "$(dirname "$0")/sineLibrary.sh"
+makeSineLibrary "$game" || fail "ffmpeg could not make a song"
+music="$work/new music"
+mkdir -p "$music/Album"
+ffmpeg -nostdin -loglevel error -f lavfi -i "sine=frequency=330:duration=20" -c:a libmp3lame \
+    "$music/Album/tune.mp3" || fail "ffmpeg could not make the new song"
+printf '{"directoryPaths": ["%s"]}' "$work/missing" >"$game/data/MusicSettings.json"
+
+cd "$game/data" || fail "no data folder"
+env -u QT_QPA_PLATFORM SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
+pid=$!
+window() { xdotool search --onlyvisible --name "^$1\$" 2>/dev/null | head -1; }
+findMain() { main="$(window "Marble Tunnel Radio")"; [ -n "$main" ]; }
+waitUpTo 300 findMain || fail "no window titled Marble Tunnel Radio"
+grep -q "Drawn song:" "$log" && fail "a song was drawn from a library that should be empty"
+
+# "File" is the menu bar's first entry, "Select Local Folders" its first item.
+findFolders() { folders="$(window "Folder Information")"; [ -n "$folders" ]; }
+openFolders() {
+    xdotool mousemove --window "$main" 15 10 click 1
+    sleep 0.5
+    xdotool key Down Return
+    waitUpTo 30 findFolders
+}
+waitUpTo 50 openFolders || fail "File, Select Local Folders opened no Folder Information window"
+
+xdotool mousemove --window "$folders" 80 102 click 1
+findPicker() { picker="$(window "Browse for Music Folder")"; [ -n "$picker" ]; }
+waitUpTo 100 findPicker || fail "Browse opened no folder picker"
+sleep 0.5
+xdotool windowfocus --sync "$picker"
+xdotool key ctrl+a
+xdotool type --delay 20 "$music"
+sleep 0.3
+xdotool key Return
+pickerGone() { [ -z "$(window "Browse for Music Folder")" ]; }
+waitUpTo 50 pickerGone || fail "the picker did not take the folder"
+
+xdotool mousemove --window "$folders" 240 102 click 1
+sleep 0.3
+xdotool mousemove --window "$folders" 335 602 click 1
+drawnNew() { grep -q "Drawn song: $music/Album/tune.mp3" "$log"; }
+waitUpTo 100 drawnNew || fail "Scan drew no song of the new folder"
+sleep 0.5
+eval "$(xdotool getwindowgeometry --shell "$folders")"
+ffmpeg -nostdin -loglevel error -y -f x11grab -draw_mouse 0 -video_size "${WIDTH}x$HEIGHT" \
+    -i "$DISPLAY+$X,$Y" -frames:v 1 "$shots/folders-dialog.png" || fail "no grab of the window"
+
+kill -TERM "$pid"
+wait "$pid"
+code=$?
+pid=""
+[ "$code" -eq 0 ] || fail "SIGTERM ended the player with $code"
+grep -qF "\"$music\"" "$game/data/MusicSettings.json" ||
+    fail "MusicSettings.json lost the new folder: $(cat "$game/data/MusicSettings.json")"
+exit 0
