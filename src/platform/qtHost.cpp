@@ -210,7 +210,9 @@ std::optional<std::string> QtBackend::pickFolder(const std::string& title) {
 }
 
 void QtBackend::openUrl(const std::string& address) {
-    QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
+    // Without xdg-open, $BROWSER or a browser Qt knows there is nothing to hand the address to.
+    if (!QDesktopServices::openUrl(QUrl(QString::fromStdString(address))))
+        logErr("No web browser could open %s\n", address.c_str());
 }
 
 bool QtBackend::keyIsDown(int vk) {
