@@ -1,6 +1,7 @@
 #include "core/aboutTexts.h"
 #include "core/hostPort.h"
 #include "core/playerState.h"
+#include "dialogs/controls.h"
 #include "dialogs/dialogs.h"
 #include "display/panels.h"
 #include "library/model.h"
@@ -16,13 +17,6 @@ void paintAbout(Canvas& canvas, const PlayerState& st) {
     drawTextBox(canvas, st, aboutSecondText, {5, 575, 680, 600}, style);
 }
 
-QPushButton* button(DialogWindow& window, int id, const std::string& label, QRect place) {
-    auto* made = new QPushButton(QString::fromStdString(label), &window);
-    made->setObjectName(QString::number(id));
-    made->setGeometry(place);
-    return made;
-}
-
 } // namespace
 
 // Two paragraphs about the program, the maker's links and Exit.
@@ -30,12 +24,12 @@ void fillAboutDialog(DialogWindow& window, PlayerState& st) {
     recountLibrary(st);
     int y = 430;
     for (const AboutLink& link : aboutLinks()) {
-        QObject::connect(button(window, link.id, link.label, {15, y, 350, 25}),
-                         &QPushButton::clicked, &window,
-                         [address = link.address] { host::openUrl(address); });
+        QObject::connect(
+            makeButton(&window, link.id, QString::fromStdString(link.label), {15, y, 350, 25}),
+            &QPushButton::clicked, &window, [address = link.address] { host::openUrl(address); });
         y += 35;
     }
-    QObject::connect(button(window, 8006, "Exit", {10, 722, 670, 35}), &QPushButton::clicked,
+    QObject::connect(makeButton(&window, 8006, "Exit", {10, 722, 670, 35}), &QPushButton::clicked,
                      &window, &QWidget::close);
     window.paint = [&st](Canvas& canvas) { paintAbout(canvas, st); };
 }

@@ -1,8 +1,8 @@
 #include "core/favoriteOptions.h"
 #include "core/playerState.h"
 #include "core/radioOptions.h"
+#include "dialogs/controls.h"
 #include "dialogs/dialogs.h"
-#include "dialogs/spinField.h"
 #include "display/panels.h"
 #include "library/favorites.h"
 #include "platform/dialogWindows.h"
@@ -29,13 +29,6 @@ void paintFavoriteOptions(Canvas& canvas, const PlayerState& st) {
                 {.size = 16, .scaled = false, .wrapped = true, .text = black});
 }
 
-QPushButton* button(DialogWindow& window, int id, const char* text, QRect box) {
-    auto* made = new QPushButton(text, &window);
-    made->setObjectName(QString::number(id));
-    made->setGeometry(box);
-    return made;
-}
-
 } // namespace
 
 // The favourite count of what is playing, followed from song to song by the dialog's own tick;
@@ -47,19 +40,19 @@ void fillFavoriteOptionsDialog(DialogWindow& window, PlayerState& st) {
                           setPlayingFavoriteCount(st, radioOptionNumber(text.toStdString()));
                           window.update();
                       });
-    QPushButton* filter = button(window, 1100, "All Songs", {300, 75, 150, 30});
+    QPushButton* filter = makeButton(&window, 1100, "All Songs", {300, 75, 150, 30});
     filter->setDefault(true);
     QObject::connect(filter, &QPushButton::clicked, &window, [&window, &st, filter] {
         cycleBuiltInFilter(st);
         filter->setText(builtInFilterName(st.builtInStation));
         window.update();
     });
-    QObject::connect(button(window, 3011, "Clear All Favorites", {20, 110, 200, 30}),
+    QObject::connect(makeButton(&window, 3011, "Clear All Favorites", {20, 110, 200, 30}),
                      &QPushButton::clicked, &window, [&window, &st] {
                          clearAllFavorites(st);
                          window.update();
                      });
-    QObject::connect(button(window, 3007, "Exit", {300, 110, 150, 30}), &QPushButton::clicked,
+    QObject::connect(makeButton(&window, 3007, "Exit", {300, 110, 150, 30}), &QPushButton::clicked,
                      &window, &QWidget::close);
 
     // While a station plays the count is left as the user typed it.

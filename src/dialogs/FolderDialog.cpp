@@ -2,6 +2,7 @@
 #include "core/hostPort.h"
 #include "core/libraryEdits.h"
 #include "core/playerState.h"
+#include "dialogs/controls.h"
 #include "dialogs/dialogs.h"
 #include "display/panels.h"
 #include "platform/dialogWindows.h"
@@ -25,13 +26,6 @@ void paintFolders(Canvas& canvas, const PlayerState& st) {
     // Under the buttons, until the next scan reads every root.
     drawTextBox(canvas, st, unreadableRootsLine(st), {10, 620, 650, 40},
                 {.size = 16, .scaled = false, .wrapped = true, .text = black});
-}
-
-QPushButton* button(DialogWindow& window, int id, const char* text, QRect box) {
-    auto* made = new QPushButton(text, &window);
-    made->setObjectName(QString::number(id));
-    made->setGeometry(box);
-    return made;
 }
 
 QLineEdit* textBox(DialogWindow& window, int id, const std::string& text, QRect box) {
@@ -91,23 +85,24 @@ void fillFolderDialog(DialogWindow& window, PlayerState& st) {
     auto on = [&window](QPushButton* pressed, auto action) {
         QObject::connect(pressed, &QPushButton::clicked, &window, action);
     };
-    on(button(window, 4102, "Browse", {30, 90, 100, 25}),
+    on(makeButton(&window, 4102, "Browse", {30, 90, 100, 25}),
        [=] { pick(PickedFolder::Music, musicBox); });
-    on(button(window, 4108, "Set", {30, 210, 100, 25}),
+    on(makeButton(&window, 4108, "Set", {30, 210, 100, 25}),
        [=] { pick(PickedFolder::SoundFonts, fontBox); });
-    on(button(window, 4109, "Set", {30, 330, 100, 25}), [=] { pick(PickedFolder::Game, gameBox); });
-    on(button(window, 4112, "Clear", {130, 210, 100, 25}),
+    on(makeButton(&window, 4109, "Set", {30, 330, 100, 25}),
+       [=] { pick(PickedFolder::Game, gameBox); });
+    on(makeButton(&window, 4112, "Clear", {130, 210, 100, 25}),
        [=] { clear(PickedFolder::SoundFonts, fontBox); });
-    on(button(window, 4111, "Clear", {130, 330, 100, 25}),
+    on(makeButton(&window, 4111, "Clear", {130, 330, 100, 25}),
        [=] { clear(PickedFolder::Game, gameBox); });
-    on(button(window, 4103, "Add Directory", {180, 90, 120, 25}), [&st, musicBox, list] {
+    on(makeButton(&window, 4103, "Add Directory", {180, 90, 120, 25}), [&st, musicBox, list] {
         const QString text = musicBox->text();
         if (addMusicFolder(st, text.toStdString()) == AddedFolder::Added) {
             list->addItem(text);
             musicBox->clear();
         }
     });
-    on(button(window, 4107, "Delete Path", {10, 590, 100, 25}), [&window, &st, list] {
+    on(makeButton(&window, 4107, "Delete Path", {10, 590, 100, 25}), [&window, &st, list] {
         runBlocked(window, [&st, list] {
             const QList<QListWidgetItem*> selected = list->selectedItems();
             std::optional<std::string> path;
@@ -118,8 +113,8 @@ void fillFolderDialog(DialogWindow& window, PlayerState& st) {
                 delete selected.front();
         });
     });
-    on(button(window, 3007, "Exit", {135, 590, 100, 25}), [&window] { window.close(); });
-    on(button(window, 4105, "Scan", {260, 590, 150, 25}), [&window, &st] {
+    on(makeButton(&window, 3007, "Exit", {135, 590, 100, 25}), [&window] { window.close(); });
+    on(makeButton(&window, 4105, "Scan", {260, 590, 150, 25}), [&window, &st] {
         if (st.directoryPaths.empty())
             return;
         runBlocked(window, [&st] { rescanLibrary(st); });

@@ -1,7 +1,7 @@
 #include "core/playerState.h"
 #include "core/radioOptions.h"
+#include "dialogs/controls.h"
 #include "dialogs/dialogs.h"
-#include "dialogs/spinField.h"
 #include "display/panels.h"
 #include "platform/dialogWindows.h"
 
@@ -50,10 +50,8 @@ void fillRadioOptionDialog(DialogWindow& window, PlayerState& st) {
                           window.update();
                       });
     }
-    auto* exit = new QPushButton("Exit", &window);
-    exit->setObjectName("3007");
-    exit->setGeometry(280, 187, 250, 30);
-    QObject::connect(exit, &QPushButton::clicked, &window, &QWidget::close);
+    QObject::connect(makeButton(&window, 3007, "Exit", {280, 187, 250, 30}), &QPushButton::clicked,
+                     &window, &QWidget::close);
     window.paint = [&st](Canvas& canvas) { paintRadioOptions(canvas, st); };
     window.closing = [&window, &st] {
         closeRadioOptions(st,

@@ -1,5 +1,6 @@
 #include "core/playerState.h"
 #include "core/songInfoTexts.h"
+#include "dialogs/controls.h"
 #include "dialogs/dialogs.h"
 #include "display/panels.h"
 #include "library/history.h"
@@ -33,16 +34,12 @@ void fillSongInfoDialog(DialogWindow& window, PlayerState& st) {
             window.update();
     });
     tick->start(100);
-    auto* exit = new QPushButton("Exit", &window);
-    exit->setObjectName("3007");
-    exit->setGeometry(10, 240, 560, 35);
-    QObject::connect(exit, &QPushButton::clicked, &window, &QWidget::close);
-    auto* clear = new QPushButton("Clear Song History", &window);
-    clear->setObjectName("3012");
-    clear->setGeometry(350, 70, 160, 25);
-    QObject::connect(clear, &QPushButton::clicked, &window, [&window, &st] {
-        clearSongHistory(st);
-        window.update();
-    });
+    QObject::connect(makeButton(&window, 3007, "Exit", {10, 240, 560, 35}), &QPushButton::clicked,
+                     &window, &QWidget::close);
+    QObject::connect(makeButton(&window, 3012, "Clear Song History", {350, 70, 160, 25}),
+                     &QPushButton::clicked, &window, [&window, &st] {
+                         clearSongHistory(st);
+                         window.update();
+                     });
     window.paint = [&st](Canvas& canvas) { paintSongInfo(canvas, st); };
 }

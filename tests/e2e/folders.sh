@@ -8,28 +8,7 @@
 set -uo pipefail
 player="$(realpath "$1")"
 shots="$PWD"
-if [ -z "${FOLDERS_SH_DISPLAY:-}" ]; then
-    for tool in xvfb-run xdotool ffmpeg; do
-        command -v "$tool" >/dev/null || { echo "skipped: $tool missing"; exit 77; }
-    done
-    FOLDERS_SH_DISPLAY=1 exec xvfb-run -a -s "-screen 0 1024x768x24 -noreset" "$0" "$@"
-fi
-
-work="$(mktemp -d)"
-pid=""
-trap '[ -n "$pid" ] && kill -9 "$pid" 2>/dev/null; rm -rf "$work"' EXIT
-log="$work/player.log"
-fail() { echo "FAIL: $*"; cat "$log" 2>/dev/null; exit 1; }
-waitUpTo() {
-    local tenths="$1"
-    shift
-    for _ in $(seq "$tenths"); do
-        "$@" && return 0
-        [ -z "$pid" ] || kill -0 "$pid" 2>/dev/null || return 1
-        sleep 0.1
-    done
-    return 1
-}
+source "$(dirname "$0")/xvfbSession.sh"
 
 game="$work/game"
 source "$(dirname "$0")/sineLibrary.sh"

@@ -7,31 +7,8 @@
 set -uo pipefail
 player="$(realpath "$1")"
 shots="$PWD"
-# The whole script runs inside an X server of its own. Without -noreset the server resets when
-# its last client leaves, and a polling xdotool that leaves as the player connects fails the start.
-if [ -z "${SCREEN_SH_DISPLAY:-}" ]; then
-    for tool in xvfb-run xdotool ffmpeg xmessage; do
-        command -v "$tool" >/dev/null || { echo "skipped: $tool missing"; exit 77; }
-    done
-    SCREEN_SH_DISPLAY=1 exec xvfb-run -a -s "-screen 0 1024x768x24 -noreset" "$0" "$@"
-fi
-
-work="$(mktemp -d)"
-pid=""
-trap '[ -n "$pid" ] && kill -9 "$pid" 2>/dev/null; rm -rf "$work"' EXIT
-log="$work/player.log"
-fail() { echo "FAIL: $*"; cat "$log" 2>/dev/null; exit 1; }
-# Waits up to $1 tenths of a second for the command to succeed, while the player runs.
-waitUpTo() {
-    local tenths="$1"
-    shift
-    for _ in $(seq "$tenths"); do
-        "$@" && return 0
-        [ -z "$pid" ] || kill -0 "$pid" 2>/dev/null || return 1
-        sleep 0.1
-    done
-    return 1
-}
+e2eTools=xmessage
+source "$(dirname "$0")/xvfbSession.sh"
 
 game="$work/game"
 source "$(dirname "$0")/sineLibrary.sh"

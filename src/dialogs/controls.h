@@ -4,7 +4,12 @@
 #include <optional>
 
 class QLineEdit;
+class QPushButton;
+class QString;
 class QWidget;
+
+// A push button of an option dialog at its client pixels, its object name the decimal id.
+QPushButton* makeButton(QWidget* parent, int id, const QString& text, QRect box);
 
 // The option dialogs' number field: an edit that takes digits only (typed or pasted), with an
 // up-down on its right edge. The arrows step the field's number, clamped to 0 to maximum, and

@@ -1,6 +1,7 @@
-#include "dialogs/spinField.h"
+#include "dialogs/controls.h"
 
 #include <QLineEdit>
+#include <QPushButton>
 #include <QRegularExpressionValidator>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -20,6 +21,13 @@ QToolButton* arrowButton(QWidget* parent, Qt::ArrowType arrow) {
 }
 
 } // namespace
+
+QPushButton* makeButton(QWidget* parent, int id, const QString& text, QRect box) {
+    auto* button = new QPushButton(text, parent);
+    button->setObjectName(QString::number(id));
+    button->setGeometry(box);
+    return button;
+}
 
 QLineEdit* makeSpinField(QWidget* parent, int editId, QRect box, std::optional<int> value,
                          int maximum, std::function<void(const QString& text)> changed) {
