@@ -9,6 +9,7 @@
 #include "library/model.h"
 #include "media/moduleWriter.h"
 #include "platform/dialogWindows.h"
+#include "support/dialogHarness.h"
 #include "support/oneSongPlayer.h"
 #include "support/recordingCanvas.h"
 #include "support/recordingPlatform.h"
@@ -30,48 +31,6 @@
 #include <memory>
 
 namespace {
-
-std::vector<RecordingCanvas::Call> paintedTexts(DialogWindow& window) {
-    RecordingCanvas canvas;
-    window.paint(canvas);
-    std::erase_if(canvas.calls, [](const RecordingCanvas::Call& call) {
-        return call.kind != RecordingCanvas::Kind::Text;
-    });
-    return canvas.calls;
-}
-
-// A dialog as the menu opens it over a state of its own, its controls found by their ids.
-struct Dialog {
-    TempDir data;
-    PlayerState st;
-    RecordingPlatform platform;
-    DialogWindow* window = nullptr;
-    explicit Dialog(int id, void (*setUp)(PlayerState&) = nullptr) {
-        installDialogs();
-        st.dataDirectory = data.str();
-        std::tie(st.rawMIDI, st.rawMP3, st.rawTracker, st.rawFav, st.rawRadio) =
-            std::tuple(50, 50, 50, 50, 20);
-        if (setUp)
-            setUp(st);
-        window = openDialogWindow(nullptr, id, st);
-    }
-    ~Dialog() { delete window; }
-    QLineEdit* edit(int id) { return window->findChild<QLineEdit*>(QString::number(id)); }
-    QWidget* control(int id) { return window->findChild<QWidget*>(QString::number(id)); }
-    void click(int id) { static_cast<QPushButton*>(control(id))->click(); }
-    std::vector<std::string> labels() {
-        std::vector<std::string> texts;
-        for (const RecordingCanvas::Call& call : paintedTexts(*window))
-            texts.push_back(call.text);
-        return texts;
-    }
-    // The dialog's own timer, fired now rather than waited for.
-    void tick() {
-        QTimer* timer = window->findChild<QTimer*>();
-        timer->start(0);
-        QApplication::processEvents();
-    }
-};
 
 TEST(OptionDialogs, EveryControlStandsAtItsPlaceInsideItsWindow) {
     struct Place {
@@ -331,48 +290,17 @@ TEST(FavoriteOptionsDialog, CountsWhatPlaysFollowsTheSongAndCyclesTheFilterInPla
     EXPECT_EQ(empty.edit(1015)->text(), "");
 }
 
-// Dark enough to be text: the black of the painted texts, smoothed at its edges.
-bool dark(QRgb pixel) {
-    return qGray(pixel) < 96;
-}
-
 // Each dialog as a person would see it, saved beside the tests: its texts inside their boxes, no
 // ink anywhere else on its surface, and the Folder window's headings centred.
 TEST(OptionDialogs, GrabbedWindowsShowTheirTextsInTheirBoxesOnly) {
-    QDir().mkpath(SCREENSHOT_DIR);
     for (int id : {9, 10, 12, 16, 19}) {
         SCOPED_TRACE(id);
         Dialog dialog(id, setUpOneSong);
-        const QImage image = dialog.window->grab().toImage();
-        EXPECT_TRUE(image.save(QString(SCREENSHOT_DIR "/dialog-%1.png").arg(id)));
-        auto inkIn = [&image](QRect box) {
-            std::vector<QPoint> ink;
-            box &= image.rect();
-            for (int y = box.top(); y <= box.bottom(); ++y)
-                for (int x = box.left(); x <= box.right(); ++x)
-                    if (dark(image.pixel(x, y)))
-                        ink.emplace_back(x, y);
-            return ink;
-        };
-        QRegion used;
-        for (const RecordingCanvas::Call& call : paintedTexts(*dialog.window)) {
-            const QRect box(call.box.x, call.box.y, call.box.width, call.box.height);
-            used += box;
-            if (!call.text.empty()) {
-                EXPECT_GT(inkIn(box).size(), 10u) << call.text;
-            }
-        }
-        for (const QWidget* child :
-             dialog.window->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
-            used += child->geometry();
-        const std::vector<QPoint> all = inkIn(image.rect());
-        EXPECT_EQ(std::count_if(all.begin(), all.end(),
-                                [&used](QPoint at) { return !used.contains(at); }),
-                  0);
+        const QImage image = grabDialog(dialog, "dialog-" + std::to_string(id));
         if (id != 16)
             continue;
         for (int top : {20, 140, 260}) {
-            const std::vector<QPoint> ink = inkIn({20, top, 580, 25});
+            const std::vector<QPoint> ink = inkIn(image, {20, top, 580, 25});
             ASSERT_FALSE(ink.empty());
             const auto [left, right] = std::minmax_element(
                 ink.begin(), ink.end(), [](QPoint p, QPoint q) { return p.x() < q.x(); });
