@@ -85,4 +85,18 @@ void openUrl(const std::string& address) {
         installed->openUrl(address);
 }
 
+bool isBorderless() {
+    return installed && installed->isBorderless();
+}
+
+void setBorderless(bool bare) {
+    if (installed)
+        installed->setBorderless(bare);
+}
+
+void setOpacity(int alpha) {
+    if (installed)
+        installed->setOpacity(alpha);
+}
+
 } // namespace host

@@ -63,6 +63,11 @@ struct Port {
     virtual std::optional<std::string> pickFolder(const std::string& title) = 0;
     // Hands a web address to the user's browser.
     virtual void openUrl(const std::string& address) = 0;
+    // The main window's form, bare (no frame, no menu bar) or framed, changed with its outer size
+    // and place kept; and its opacity, 0 to 255.
+    virtual bool isBorderless() = 0;
+    virtual void setBorderless(bool bare) = 0;
+    virtual void setOpacity(int alpha) = 0;
 };
 
 // The port stays owned by the caller; pass nullptr to remove it. Returns the one it replaced.
@@ -81,5 +86,8 @@ void registerHotkey(int id, int modifiers, std::uint32_t vk);
 void unregisterHotkey(int id);
 std::optional<std::string> pickFolder(const std::string& title);
 void openUrl(const std::string& address);
+bool isBorderless();
+void setBorderless(bool bare);
+void setOpacity(int alpha);
 
 } // namespace host

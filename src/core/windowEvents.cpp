@@ -5,6 +5,7 @@
 #include "core/hostPort.h"
 #include "core/playerState.h"
 #include "core/transport.h"
+#include "core/windowModes.h"
 #include "display/bars.h"
 #include "display/layout.h"
 #include "display/screen.h"
@@ -147,6 +148,9 @@ void onTimer(PlayerState& st, int id) {
         break;
     case host::timerVolumeText:
         onVolumeTextTimeout(st);
+        break;
+    case host::timerBorderless:
+        onBorderlessTimer(st);
         break;
     default:
         // The automatic borderless mode joins these ticks with its feature.

@@ -25,6 +25,14 @@ struct DisplayState : InputState {
     int randomColorPlayer = 0;
     int borderlessAuto = 0;
 
+    // --- The automatic bare window: the window made itself bare; a movement has just brought the
+    // frame back; timer 101 runs; where the cursor was at the last movement that counted.
+    bool autoBorderlessActive = false;
+    bool autoBorderlessRestored = false;
+    bool borderlessTimerActive = false;
+    int lastCursorX = 0;
+    int lastCursorY = 0;
+
     // --- Textures: the files found, the bitmaps in the two slots (id 0: empty, the plain colour
     // shows), and the host's store that loads them (none: nothing loads).
     std::vector<TextureInfo> textures;

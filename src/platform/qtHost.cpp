@@ -5,7 +5,9 @@
 #include "core/shutdown.h"
 #include "core/startup.h"
 #include "core/windowEvents.h"
+#include "core/windowModes.h"
 #include "display/layout.h"
+#include "display/windowModes.h"
 #include "platform/dialogWindows.h"
 #include "platform/menus.h"
 #include "platform/qtBitmaps.h"
@@ -20,11 +22,14 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QKeyEvent>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTimer>
 #include <QUrl>
+#include <QWindow>
 #include <clocale>
 #include <cstdlib>
 #include <utility>
@@ -99,6 +104,11 @@ void ScreenWidget::mousePressEvent(QMouseEvent* event) {
         onRightPress(st_, at.x(), at.y());
 }
 
+void ScreenWidget::mouseMoveEvent(QMouseEvent* event) {
+    const QPoint at = event->globalPosition().toPoint();
+    onMouseMoved(st_, at.x(), at.y());
+}
+
 void ScreenWidget::resizeEvent(QResizeEvent*) {
     onResize(st_, width(), height());
 }
@@ -107,6 +117,44 @@ MainWindow::MainWindow(PlayerState& st) : st_(st), screen_(new ScreenWidget(st, 
     setWindowTitle("Marble Tunnel Radio");
     setCentralWidget(screen_);
     resize(gridWidth, gridHeight);
+    // Moves count without a button held too: the automatic bare window waits for them.
+    screen_->setMouseTracking(true);
+    // Before any filter of the menu bar: Alt and its chords belong to the window modes, so no
+    // style can give the menu bar the focus or open a menu by keyboard.
+    QApplication::instance()->installEventFilter(this);
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress && event->type() != QEvent::KeyRelease)
+        return false;
+    auto* widget = qobject_cast<QWidget*>(watched);
+    if (!widget || widget->window() != this)
+        return false;
+    auto* key = static_cast<QKeyEvent*>(event);
+    const bool alt = key->key() == Qt::Key_Alt;
+    if (!alt && !key->modifiers().testFlag(Qt::AltModifier))
+        return false;
+    if (event->type() == QEvent::KeyPress) {
+        const int virtualKey = alt ? 0x12 : key->key() == Qt::Key_B ? 0x42 : 0;
+        onSystemKey(st_, virtualKey, key->modifiers().testFlag(Qt::AltModifier) || alt,
+                    key->isAutoRepeat());
+    }
+    return true;
+}
+
+void MainWindow::setBare(bool bare) {
+    if (bare == bare_)
+        return;
+    const QRect outer = frameGeometry();
+    QWindow* native = windowHandle();
+    if (bare && native)
+        framedMargins_ = native->frameMargins();
+    bare_ = bare;
+    menuBar()->setVisible(!bare);
+    if (native)
+        native->setFlag(Qt::FramelessWindowHint, bare);
+    setGeometry(outer.marginsRemoved(bare ? QMargins() : framedMargins_));
+    screen_->update();
 }
 
 bool MainWindow::finishStartup() {
@@ -125,8 +173,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     if (!shutDown_) {
         shutDown_ = true;
         shutdown(st_);
-        for (int id :
-             {host::timerRepaint, host::timerVolumeLatch, host::timerPoll, host::timerStationTags})
+        for (int id : {host::timerRepaint, host::timerVolumeLatch, host::timerPoll,
+                       host::timerStationTags, host::timerBorderless})
             host::killTimer(id);
     }
     event->accept();
@@ -215,6 +263,18 @@ void QtBackend::openUrl(const std::string& address) {
         logErr("No web browser could open %s\n", address.c_str());
 }
 
+bool QtBackend::isBorderless() {
+    return window_.isBare();
+}
+
+void QtBackend::setBorderless(bool bare) {
+    window_.setBare(bare);
+}
+
+void QtBackend::setOpacity(int alpha) {
+    window_.setWindowOpacity(alpha / 255.0);
+}
+
 bool QtBackend::keyIsDown(int vk) {
     return hotkeys_->keyIsDown(vk);
 }
@@ -271,7 +331,7 @@ int runPlayer(int argc, char** argv) {
         window.close();
         return 0;
     }
-    window.setWindowOpacity((st->windowAlpha & 0xff) / 255.0);
+    window.setWindowOpacity(startupOpacity(st->windowAlpha) / 255.0);
     startMainTimers(*st);
     createMenus(window, *st);
     window.show();

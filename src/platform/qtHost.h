@@ -25,6 +25,7 @@ class ScreenWidget : public QWidget {
   protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
@@ -49,13 +50,21 @@ class MainWindow : public QMainWindow {
     // Until the start-up has run, a close only closes the box it waits on and is kept for later,
     // so the start-up never goes on over a shut-down player. True when a close is waiting.
     bool finishStartup();
+    // Bare: no frame and no menu bar, the client area over the whole outer size; or framed again
+    // in the same place. The flag is set on the native window, so the window is not made anew:
+    // it keeps its place, its focus and the dialogs it owns.
+    bool isBare() const { return bare_; }
+    void setBare(bool bare);
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     PlayerState& st_;
     ScreenWidget* screen_;
+    bool bare_ = false;
+    QMargins framedMargins_; // the frame the window manager drew before the window went bare
     bool starting_ = true;
     bool closeWaiting_ = false;
     bool shutDown_ = false;
@@ -84,6 +93,9 @@ class QtBackend : public host::Port {
     void unregisterHotkey(int id) override;
     std::optional<std::string> pickFolder(const std::string& title) override;
     void openUrl(const std::string& address) override;
+    bool isBorderless() override;
+    void setBorderless(bool bare) override;
+    void setOpacity(int alpha) override;
     // The screen and the desktop's media controls hear every change here instead of polling.
     void listenToPlayer(std::function<void(host::PlayerChange)> listener);
 

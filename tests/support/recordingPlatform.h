@@ -42,6 +42,9 @@ class RecordingPlatform : public host::Port {
         return folderToPick;
     }
     void openUrl(const std::string& address) override { urls.push_back(address); }
+    bool isBorderless() override { return borderless; }
+    void setBorderless(bool bare) override { borderless = bare; }
+    void setOpacity(int alpha) override { opacity = alpha; }
 
     std::vector<Box> boxes;
     std::vector<host::PlayerChange> changes;
@@ -58,6 +61,8 @@ class RecordingPlatform : public host::Port {
     std::optional<std::string> folderToPick; // what the picker answers; nothing is a cancel
     std::vector<std::string> pickerTitles;
     std::vector<std::string> urls;
+    bool borderless = false;
+    int opacity = 255;
 
   private:
     host::Port* previous_ = nullptr;
