@@ -15,12 +15,15 @@
 #include "platform/qtFonts.h"
 #include "platform/qtSignals.h"
 #include "platform/sdlControllers.h"
+#include "platform/singleInstance.h"
 #include "platform/x11Hotkeys.h"
+#include "util/instanceLock.h"
 #include "util/log.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFileDialog>
 #include <QKeyEvent>
 #include <QMenuBar>
@@ -303,6 +306,18 @@ int runPlayer(int argc, char** argv) {
         return -1;
     }
     QApplication app(argc, argv);
+    // Before anything of the start-up, so that a second player in this folder touches no file.
+    const std::string dataFolder = QDir::currentPath().toStdString();
+    DataFolderLock lock = lockDataFolder(dataFolder);
+    if (lock.state == FolderLock::HeldByAnother) {
+        const bool raised = askRunningPlayerToRaise(instanceSocketPath(dataFolder));
+        logOut("A player already runs in %s%s\n", dataFolder.c_str(),
+               raised ? ": its window is raised." : ".");
+        return 0;
+    }
+    if (lock.state == FolderLock::Unavailable)
+        logErr("Cannot lock the data folder (%s): a second player there would not be stopped.\n",
+               lock.reason.c_str());
     installFontSubstitutions();
     // Qt applies the user's locale, and "%.1f" would then print "88,7" in some sessions.
     std::setlocale(LC_NUMERIC, "C");
@@ -335,5 +350,6 @@ int runPlayer(int argc, char** argv) {
     startMainTimers(*st);
     createMenus(window, *st);
     window.show();
+    RaiseListener raiseOnSecondStart(window, instanceSocketPath(dataFolder));
     return app.exec();
 }
