@@ -8,6 +8,7 @@
 #include "core/windowModes.h"
 #include "display/layout.h"
 #include "display/windowModes.h"
+#include "platform/appIcon.h"
 #include "platform/dialogWindows.h"
 #include "platform/menus.h"
 #include "platform/qtBitmaps.h"
@@ -41,22 +42,6 @@ namespace {
 
 bool onOffscreenPlatform() {
     return QGuiApplication::platformName() == "offscreen";
-}
-
-// Drawn rather than loaded, so there is no resource that can go missing.
-QIcon makeAppIcon() {
-    QPixmap pixmap(32, 32);
-    pixmap.fill(Qt::transparent);
-    QPainter p(&pixmap);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setBrush(QColor(35, 35, 35));
-    p.setPen(Qt::NoPen);
-    p.drawRoundedRect(1, 6, 30, 22, 4, 4);
-    p.setBrush(QColor(120, 200, 120));
-    p.drawRect(5, 10, 14, 8);
-    p.setBrush(QColor(220, 220, 220));
-    p.drawEllipse(QPoint(24, 20), 4, 4);
-    return QIcon(pixmap);
 }
 
 } // namespace
@@ -306,6 +291,8 @@ int runPlayer(int argc, char** argv) {
         return -1;
     }
     QApplication app(argc, argv);
+    // Docks and Wayland match the window to the installed desktop entry by this name.
+    QGuiApplication::setDesktopFileName("marble-tunnel-radio");
     // Before anything of the start-up, so that a second player in this folder touches no file.
     const std::string dataFolder = QDir::currentPath().toStdString();
     DataFolderLock lock = lockDataFolder(dataFolder);
