@@ -39,13 +39,6 @@ void setFavoriteCount(PlayerState& st, int value) {
     }
 }
 
-// Only the audible channel moves; the segment and the history stay, and the end test catches a
-// jump past the segment's end.
-void seekSeconds(PlayerState& st, float seconds) {
-    channelSetPosition(st.activeHandle, channelSecondsToBytes(st.activeHandle, seconds));
-    host::notifyPlayerChanged(host::PlayerChange::Position);
-}
-
 void playRequestedSong(PlayerState& st, int playlist, int song) {
     st.requestedPlaylist = playlist;
     st.requestedSong = song;
@@ -78,7 +71,7 @@ void runGameCommand(PlayerState& st, const GameCommand& command) {
         break;
     case CommandWord::Position:
         logOut("Change position to %s seconds...\n", streamText(command.value).c_str());
-        seekSeconds(st, command.value);
+        seekActiveSong(st, command.value);
         break;
     case CommandWord::Volume:
         logOut("Change volume to %s...\n", streamText(command.value).c_str());

@@ -43,8 +43,7 @@ void seekTo(PlayerState& st, int x) {
     const float fraction = static_cast<float>(x - bar.x) / static_cast<float>(bar.width);
     const float length = static_cast<float>(
         channelBytesToSeconds(st.activeHandle, channelGetLength(st.activeHandle)));
-    const double target = static_cast<double>(length * fraction);
-    channelSetPosition(st.activeHandle, channelSecondsToBytes(st.activeHandle, target));
+    seekActiveSong(st, static_cast<double>(length * fraction));
     invalidateBox(bar);
 }
 

@@ -180,3 +180,8 @@ void afterRepaintTest(PlayerState& st) {
     if (segmentEndDue(st) || stationRetryDue(st))
         startTransition(st);
 }
+
+void seekActiveSong(PlayerState& st, double seconds) {
+    channelSetPosition(st.activeHandle, channelSecondsToBytes(st.activeHandle, seconds));
+    host::notifyPlayerChanged(host::PlayerChange::Position);
+}

@@ -11,6 +11,7 @@
 #include "platform/appIcon.h"
 #include "platform/dialogWindows.h"
 #include "platform/menus.h"
+#include "platform/mpris.h"
 #include "platform/qtBitmaps.h"
 #include "platform/qtCanvas.h"
 #include "platform/qtFonts.h"
@@ -338,5 +339,8 @@ int runPlayer(int argc, char** argv) {
     createMenus(window, *st);
     window.show();
     RaiseListener raiseOnSecondStart(window, instanceSocketPath(dataFolder));
+    // Only now: a message box of the start-up turns the event loop, and a Next from the desktop
+    // would then run inside the start-up.
+    MprisService mpris(*st, window, backend);
     return app.exec();
 }
