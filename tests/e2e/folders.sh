@@ -59,11 +59,7 @@ eval "$(xdotool getwindowgeometry --shell "$folders")"
 ffmpeg -nostdin -loglevel error -y -f x11grab -draw_mouse 0 -video_size "${WIDTH}x$HEIGHT" \
     -i "$DISPLAY+$X,$Y" -frames:v 1 "$shots/folders-dialog.png" || fail "no grab of the window"
 
-kill -TERM "$pid"
-wait "$pid"
-code=$?
-pid=""
-[ "$code" -eq 0 ] || fail "SIGTERM ended the player with $code"
+stopPlayer
 grep -qF "\"$music\"" "$game/data/MusicSettings.json" ||
     fail "MusicSettings.json lost the new folder: $(cat "$game/data/MusicSettings.json")"
 exit 0

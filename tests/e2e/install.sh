@@ -7,21 +7,7 @@
 set -uo pipefail
 build="$(realpath "$1")"
 command -v desktop-file-validate >/dev/null || { echo "skipped: desktop-file-validate missing"; exit 77; }
-work="$(mktemp -d)"
-pid=""
-trap '[ -n "$pid" ] && kill -9 "$pid" 2>/dev/null; rm -rf "$work"' EXIT
-log="$work/player.log"
-fail() { echo "FAIL: $*"; cat "$log" 2>/dev/null; exit 1; }
-waitUpTo() {
-    local tenths="$1"
-    shift
-    for _ in $(seq "$tenths"); do
-        "$@" && return 0
-        [ -z "$pid" ] || kill -0 "$pid" 2>/dev/null || return 1
-        sleep 0.1
-    done
-    return 1
-}
+source "$(dirname "$0")/e2eSession.sh"
 
 prefix="$work/prefix"
 cmake --install "$build" --prefix "$prefix" >/dev/null || fail "cmake --install failed"
@@ -53,11 +39,7 @@ done
 second="$(timeout 20 env QT_QPA_PLATFORM=offscreen SDL_AUDIODRIVER=dummy \
     "$prefix/bin/marble-tunnel-radio" 2>&1)" || fail "a second launch ended badly: $second"
 grep -q "A player already runs in $game/data" <<<"$second" || fail "a second launch said: $second"
-kill -TERM "$pid"
-wait "$pid"
-code=$?
-pid=""
-[ "$code" -eq 0 ] || fail "SIGTERM ended the player with $code"
+stopPlayer
 
 # The user's own choices stay: a folder of textures and a soundfont of their own.
 rm "$game/data/textures"

@@ -10,21 +10,7 @@ done
 if [ -z "${MPRIS_SH_BUS:-}" ]; then
     MPRIS_SH_BUS=1 exec dbus-run-session -- "$0" "$@"
 fi
-work="$(mktemp -d)"
-pid=""
-trap '[ -n "$pid" ] && kill -9 "$pid" 2>/dev/null; rm -rf "$work"' EXIT
-log="$work/player.log"
-fail() { echo "FAIL: $*"; cat "$log" 2>/dev/null; exit 1; }
-waitUpTo() {
-    local tenths="$1"
-    shift
-    for _ in $(seq "$tenths"); do
-        "$@" && return 0
-        [ -z "$pid" ] || kill -0 "$pid" 2>/dev/null || return 1
-        sleep 0.1
-    done
-    return 1
-}
+source "$(dirname "$0")/e2eSession.sh"
 source "$(dirname "$0")/sineLibrary.sh"
 makeSineLibrary "$work/game" || fail "ffmpeg could not make a song"
 start() { cd "$1" && exec env QT_QPA_PLATFORM=offscreen SDL_AUDIODRIVER=dummy "$player"; }

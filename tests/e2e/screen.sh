@@ -103,11 +103,7 @@ sleep 1
 xdotool keyup ctrl+equal
 sleep 0.4
 
-kill -TERM "$pid"
-wait "$pid"
-code=$?
-pid=""
-[ "$code" -eq 0 ] || fail "SIGTERM ended the player with $code"
+stopPlayer
 volume="$(grep -o '"volumeLevel": *[0-9.]*' "$game/data/MusicSettings.json" | grep -o '[0-9.]*$')"
 awk -v v="$volume" 'BEGIN { exit !(v > 0.649 && v < 0.651) }' ||
     fail "Ctrl+= left the volume at ${volume:-nothing}, not 0.65"

@@ -52,9 +52,5 @@ pid=""
 start "$game/data" >"$log" 2>&1 &
 pid=$!
 waitUpTo 300 drawn || fail "after kill -9 a new start did not play"
-kill -TERM "$pid"
-wait "$pid"
-code=$?
-pid=""
-[ "$code" -eq 0 ] || fail "SIGTERM ended the player with $code"
+stopPlayer
 exit 0

@@ -91,9 +91,5 @@ after="$(outer)"
 [ "$(xprop -id "$main" _NET_FRAME_EXTENTS | grep -c '0, 0, 0, 0')" -eq 0 ] ||
     fail "the frame did not come back"
 
-kill -TERM "$pid"
-wait "$pid"
-code=$?
-pid=""
-[ "$code" -eq 0 ] || fail "SIGTERM ended the player with $code"
+stopPlayer
 exit 0
