@@ -16,6 +16,7 @@ const QString objectPath = "/org/mpris/MediaPlayer2";
 const QString playerInterface = "org.mpris.MediaPlayer2.Player";
 const QString busNameBase = "org.mpris.MediaPlayer2.marbletunnelradio";
 constexpr int pollMs = 250;
+constexpr qlonglong wrapMarginUs = 1000000;
 
 } // namespace
 
@@ -117,6 +118,12 @@ void MprisService::publishChanges() {
         changed["CanGoPrevious"] = now.canGoPrevious;
     if (now.canSeek != published_.canSeek)
         changed["CanSeek"] = now.canSeek;
+    // A file that loops wraps to its start without a new track: that is a jump too.
+    const qlonglong position = mediaPositionUs(st_);
+    if (track_ == publishedTrack_ && now.status == MediaStatus::Playing &&
+        position + wrapMarginUs < lastPositionUs_)
+        emitSeeked();
+    lastPositionUs_ = position;
     published_ = now;
     publishedTrack_ = track_;
     if (changed.isEmpty())
@@ -128,8 +135,9 @@ void MprisService::publishChanges() {
 }
 
 void MprisService::emitSeeked() {
+    lastPositionUs_ = mediaPositionUs(st_);
     if (auto* player = findChild<MprisPlayer*>())
-        emit player->Seeked(mediaPositionUs(st_));
+        emit player->Seeked(lastPositionUs_);
 }
 
 MprisRoot::MprisRoot(MprisService* service) : QDBusAbstractAdaptor(service), service_(service) {}

@@ -39,6 +39,7 @@ class MprisService : public QObject {
     MediaSnapshot published_;
     quint64 track_ = 1;
     quint64 publishedTrack_ = 1;
+    qlonglong lastPositionUs_ = 0;
     QString busName_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(0);
 };
