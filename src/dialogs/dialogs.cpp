@@ -10,4 +10,5 @@ void installDialogs() {
     installDialogFiller(command::favoritesDialog, fillFavoriteOptionsDialog);
     installDialogFiller(command::foldersDialog, fillFolderDialog);
     installDialogFiller(command::stationsDialog, fillStationsDialog);
+    installDialogFiller(command::updateDialog, fillUpdateDialog);
 }

@@ -14,3 +14,4 @@ void fillSongInfoDialog(DialogWindow& window, PlayerState& st);
 void fillFavoriteOptionsDialog(DialogWindow& window, PlayerState& st);
 void fillFolderDialog(DialogWindow& window, PlayerState& st);
 void fillStationsDialog(DialogWindow& window, PlayerState& st);
+void fillUpdateDialog(DialogWindow& window, PlayerState& st);
