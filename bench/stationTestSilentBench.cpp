@@ -21,9 +21,7 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(folder);
     if (!engineInit(AudioOutput::Null))
         return 2;
-    StationReply silent;
-    silent.silent = true;
-    IcyServer server({{"/silent", silent}});
+    IcyServer server({{"/silent", silentReply()}});
     PlayerState st;
     st.radioStations = {RadioStation{"", server.url("/silent")}};
     std::vector<double> times;

@@ -13,9 +13,7 @@ constexpr int runs = 3;
 } // namespace
 
 int main() {
-    StationReply silent;
-    silent.silent = true;
-    IcyServer server({{"/Downloads/version.txt", silent}});
+    IcyServer server({{"/Downloads/version.txt", silentReply()}});
     std::vector<double> times;
     for (int run = 0; run < runs; ++run)
         times.push_back(bench::secondsOf([&server] {

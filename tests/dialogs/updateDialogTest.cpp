@@ -27,7 +27,7 @@ TEST(UpdateDialog, EachPaintAsksOnceAndShowsWhatTheSiteOffersAtTheMainWindowsSca
 
 // The window's paint makes a request, so a control that Qt repaints on a hover must not take
 // the window's surface with it.
-TEST(UpdateDialog, HoveringAControlAsksNothing) {
+TEST(UpdateDialog, HoveringAControlAsksNothingAndTheGrabShowsTheOffer) {
     IcyServer server({{versionPath, webPage("1.1")}});
     Dialog dialog(24);
     dialog.st.versionServer = server.url("");
@@ -44,6 +44,7 @@ TEST(UpdateDialog, HoveringAControlAsksNothing) {
         QApplication::processEvents();
     }
     EXPECT_EQ(server.requests().size(), asked);
+    grabDialog(dialog, "dialog-24");
 }
 
 TEST(UpdateDialog, TheBoxTurnsTheCheckOffAndNeverStaysTickedAndTheButtonOpensTheDownloads) {
@@ -64,13 +65,6 @@ TEST(UpdateDialog, TheBoxTurnsTheCheckOffAndNeverStaysTickedAndTheButtonOpensThe
     for (const auto& [id, place] : places)
         EXPECT_EQ(dialog.control(id)->geometry(), place) << id;
     EXPECT_EQ(dialog.window->size(), dialogClientSize(460, 150));
-}
-
-TEST(UpdateDialog, GrabbedWindowShowsTheOfferInItsBox) {
-    IcyServer server({{versionPath, webPage("1.1")}});
-    Dialog dialog(24);
-    dialog.st.versionServer = server.url("");
-    grabDialog(dialog, "dialog-24");
 }
 
 } // namespace

@@ -46,6 +46,12 @@ std::string loopedSlice(const std::string& audio, std::size_t offset, std::size_
 
 } // namespace
 
+StationReply silentReply() {
+    StationReply reply;
+    reply.silent = true;
+    return reply;
+}
+
 StationReply webPage(const std::string& body, const std::string& status) {
     StationReply reply;
     reply.head =

@@ -20,6 +20,8 @@ struct StationReply {
     bool silent = false;        // nothing at all is sent, not even the head
 };
 
+// A server that accepts the connection and never answers, not even with a head.
+StationReply silentReply();
 // A web page rather than a station: this status and body, then the connection closes.
 StationReply webPage(const std::string& body, const std::string& status = "200 OK");
 
