@@ -1,10 +1,8 @@
 #pragma once
+#include "update/makerSite.h"
+
 #include <array>
 #include <string>
-
-// The maker's web site: a name under the reserved example domain, so that no real site is
-// named; the Update dialog asks the same host.
-constexpr const char* makerHost = "www.fernbridge.example";
 
 // The About window's two paragraphs, as painted.
 extern const char* const aboutFirstText;

@@ -40,9 +40,7 @@ void clearPickedFolder(PlayerState& st, PickedFolder mode) {
 AddedFolder addMusicFolder(PlayerState& st, const std::string& text) {
     if (text.empty())
         return AddedFolder::Nothing;
-    const std::string key = asciiLower(text);
-    if (std::any_of(st.directoryPaths.begin(), st.directoryPaths.end(),
-                    [&key](const std::string& row) { return asciiLower(row) == key; })) {
+    if (containsIgnoringAsciiCase(st.directoryPaths, text)) {
         host::messageBox("This directory is already added.", "Information", host::Icon::Information,
                          true);
         return AddedFolder::AlreadyAdded;

@@ -2,6 +2,7 @@
 
 #include "core/actions.h"
 #include "core/audioStart.h"
+#include "core/commands.h"
 #include "core/hostPort.h"
 #include "core/libraryEdits.h"
 #include "core/playerState.h"
@@ -115,9 +116,11 @@ void buildListEntries(PlayerState& st) {
 }
 
 void onMainWindowCreated(PlayerState& st) {
-    // The Update dialog that a newer version opens comes with the dialogs.
-    if (st.versionCheck)
-        runStartupVersionCheck();
+    // The stored settings are read later, so versionCheck still has its default here: a stored
+    // false does not stop this check.
+    std::string latest;
+    if (st.versionCheck && checkForNewVersion(st.versionServer, latest))
+        host::openDialog(command::updateDialog);
 }
 
 void runEarlyStartup(PlayerState& st) {

@@ -7,10 +7,8 @@
 #include "display/panels.h"
 #include "platform/dialogWindows.h"
 
-#include <QApplication>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPointer>
 #include <QPushButton>
 
 namespace {
@@ -28,42 +26,16 @@ void paintFolders(Canvas& canvas, const PlayerState& st) {
                 {.size = 16, .scaled = false, .wrapped = true, .text = black});
 }
 
-QLineEdit* textBox(DialogWindow& window, int id, const std::string& text, QRect box) {
-    auto* made = new QLineEdit(QString::fromStdString(text), &window);
-    made->setObjectName(QString::number(id));
-    made->setGeometry(box);
-    return made;
-}
-
-// A rebuild holds the user-interface thread: the wait cursor shows, and the clicks made
-// meanwhile reach a disabled dialog and are dropped, so that an impatient second "Scan" does not
-// scan again. The window may be closed by then, and is repainted only if it is still there.
-template <typename Work> void runBlocked(DialogWindow& window, Work&& work) {
-    struct Restore {
-        QPointer<DialogWindow> window;
-        ~Restore() {
-            QCoreApplication::processEvents();
-            if (window) {
-                window->setEnabled(true);
-                window->update();
-            }
-            QApplication::restoreOverrideCursor();
-        }
-    };
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    window.setEnabled(false);
-    Restore restore{&window};
-    work();
-}
-
 } // namespace
 
 // Where the music, the soundfonts and the game are. The music folders take effect at "Scan" or
 // "Delete Path"; the other two are stored at once.
 void fillFolderDialog(DialogWindow& window, PlayerState& st) {
-    QLineEdit* musicBox = textBox(window, 4101, "", {25, 50, 565, 25});
-    QLineEdit* fontBox = textBox(window, 4104, st.soundFontDirectoryPath, {25, 170, 565, 25});
-    QLineEdit* gameBox = textBox(window, 4110, st.marbleTunnelPath, {25, 290, 565, 25});
+    QLineEdit* musicBox = makeTextBox(&window, 4101, "", {25, 50, 565, 25});
+    QLineEdit* fontBox = makeTextBox(
+        &window, 4104, QString::fromStdString(st.soundFontDirectoryPath), {25, 170, 565, 25});
+    QLineEdit* gameBox =
+        makeTextBox(&window, 4110, QString::fromStdString(st.marbleTunnelPath), {25, 290, 565, 25});
     auto* list = new QListWidget(&window);
     list->setObjectName("4106");
     list->setGeometry(20, 390, 580, 200);

@@ -1,6 +1,8 @@
 #include "dialogs/controls.h"
 
+#include <QApplication>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QRegularExpressionValidator>
 #include <QToolButton>
@@ -27,6 +29,31 @@ QPushButton* makeButton(QWidget* parent, int id, const QString& text, QRect box)
     button->setObjectName(QString::number(id));
     button->setGeometry(box);
     return button;
+}
+
+QLineEdit* makeTextBox(QWidget* parent, int id, const QString& text, QRect box) {
+    auto* edit = new QLineEdit(text, parent);
+    edit->setObjectName(QString::number(id));
+    edit->setGeometry(box);
+    return edit;
+}
+
+void runBlocked(QWidget& window, const std::function<void()>& work) {
+    struct Restore {
+        QPointer<QWidget> window;
+        ~Restore() {
+            QCoreApplication::processEvents();
+            if (window) {
+                window->setEnabled(true);
+                window->update();
+            }
+            QApplication::restoreOverrideCursor();
+        }
+    };
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    window.setEnabled(false);
+    Restore restore{&window};
+    work();
 }
 
 QLineEdit* makeSpinField(QWidget* parent, int editId, QRect box, std::optional<int> value,

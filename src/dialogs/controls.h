@@ -10,6 +10,14 @@ class QWidget;
 
 // A push button of an option dialog at its client pixels, its object name the decimal id.
 QPushButton* makeButton(QWidget* parent, int id, const QString& text, QRect box);
+// A one-line text box likewise.
+QLineEdit* makeTextBox(QWidget* parent, int id, const QString& text, QRect box);
+
+// Work that holds the user-interface thread (a rebuild, a station's connection): the wait cursor
+// shows, and the clicks made meanwhile reach a disabled window and are dropped, so that an
+// impatient second click does not run the work again. The window may have been closed by the
+// end, and is enabled and repainted only if it is still there.
+void runBlocked(QWidget& window, const std::function<void()>& work);
 
 // The option dialogs' number field: an edit that takes digits only (typed or pasted), with an
 // up-down on its right edge. The arrows step the field's number, clamped to 0 to maximum, and

@@ -9,4 +9,6 @@ void installDialogs() {
     installDialogFiller(command::songInfoDialog, fillSongInfoDialog);
     installDialogFiller(command::favoritesDialog, fillFavoriteOptionsDialog);
     installDialogFiller(command::foldersDialog, fillFolderDialog);
+    installDialogFiller(command::stationsDialog, fillStationsDialog);
+    installDialogFiller(command::updateDialog, fillUpdateDialog);
 }

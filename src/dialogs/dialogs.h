@@ -13,3 +13,5 @@ void fillAboutDialog(DialogWindow& window, PlayerState& st);
 void fillSongInfoDialog(DialogWindow& window, PlayerState& st);
 void fillFavoriteOptionsDialog(DialogWindow& window, PlayerState& st);
 void fillFolderDialog(DialogWindow& window, PlayerState& st);
+void fillStationsDialog(DialogWindow& window, PlayerState& st);
+void fillUpdateDialog(DialogWindow& window, PlayerState& st);

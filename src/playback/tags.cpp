@@ -95,8 +95,10 @@ std::string testStation(PlaybackState& st, int index) {
     st.testStream = streamCreateUrl(station.url, true);
     if (st.testStream == 0)
         return "Failed to load URL: " + station.url;
+    // A name the last refresh already read makes the read false, as the playing station's does;
+    // the name that came is taken all the same.
     std::string box;
-    if (readStationTags(st, st.testStream))
+    if (readStationTags(st, st.testStream) || !st.stationName.empty())
         station.name = st.stationName;
     else
         box = "Failed to get radio info for URL: " + station.url;

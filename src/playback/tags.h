@@ -23,7 +23,8 @@ bool applyStationTags(PlaybackState& st, const char* icy, const char* http, cons
 // for the next comparison.
 void refreshStationTags(PlaybackState& st);
 
-// The test of radioStations[index] by the station list: a probe connection into testStream, its
-// name taken from the station's tags, the connection freed. What goes wrong is a box for the
-// caller to show (title "Error"); empty when the test passed.
+// The test of radioStations[index] by the station list: a probe connection into testStream (at
+// most the engine's 5 s), its "icy-name" taken as the station's name, the connection freed. What
+// goes wrong is a box for the caller to show (title "Error"); empty when the test passed. The
+// index must name a station.
 std::string testStation(PlaybackState& st, int index);

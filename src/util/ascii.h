@@ -1,5 +1,7 @@
 #pragma once
+#include <algorithm>
 #include <string>
+#include <vector>
 
 // Byte-wise and ASCII only, so that the bytes of a UTF-8 name pass unchanged whatever the locale:
 // file names compare without regard to ASCII case, and other bytes stay as they are.
@@ -17,4 +19,12 @@ inline std::string asciiLower(std::string text) {
     for (char& c : text)
         c = toLowerAscii(c);
     return text;
+}
+
+// Whether a row equals text, ignoring ASCII case: a folder or a URL listed once already.
+inline bool containsIgnoringAsciiCase(const std::vector<std::string>& rows,
+                                      const std::string& text) {
+    const std::string key = asciiLower(text);
+    return std::any_of(rows.begin(), rows.end(),
+                       [&key](const std::string& row) { return asciiLower(row) == key; });
 }

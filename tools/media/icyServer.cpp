@@ -46,6 +46,21 @@ std::string loopedSlice(const std::string& audio, std::size_t offset, std::size_
 
 } // namespace
 
+StationReply silentReply() {
+    StationReply reply;
+    reply.silent = true;
+    return reply;
+}
+
+StationReply webPage(const std::string& body, const std::string& status) {
+    StationReply reply;
+    reply.head =
+        "HTTP/1.1 " + status + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n";
+    reply.audio = body;
+    reply.audioLimit = body.size();
+    return reply;
+}
+
 IcyServer::IcyServer(std::map<std::string, StationReply> replies) : replies_(std::move(replies)) {
     listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
@@ -116,6 +131,7 @@ void IcyServer::serve(int socket) {
         requests_.push_back(request);
     }
     std::string path = request.substr(4, request.find(' ', 4) - 4); // "GET /path HTTP/1.1"
+    path.erase(std::min(path.find('?'), path.size()));              // the query is in requests()
     auto found = replies_.find(path);
     if (found == replies_.end()) {
         sendAll(socket, "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");

@@ -20,8 +20,14 @@ struct StationReply {
     bool silent = false;        // nothing at all is sent, not even the head
 };
 
+// A server that accepts the connection and never answers, not even with a head.
+StationReply silentReply();
+// A web page rather than a station: this status and body, then the connection closes.
+StationReply webPage(const std::string& body, const std::string& status = "200 OK");
+
 // A station on 127.0.0.1 at a free port, for tests and benchmarks: each connection is read up to
-// its request's end and served on a thread of its own, as the path asks (unknown paths get a 404).
+// its request's end and served on a thread of its own, as the path asks, without its query
+// (unknown paths get a 404).
 // Silent connections stay open until the server is destroyed.
 class IcyServer {
   public:

@@ -3,6 +3,7 @@
 #include "playback/engine/curlReader.h"
 
 #include "playback/engine/channel.h"
+#include "playback/engine/curlHandles.h"
 #include "playback/engine/icyDemux.h"
 #include "util/ascii.h"
 #include "util/log.h"
@@ -10,23 +11,9 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
-#include <curl/curl.h>
 #include <thread>
 
 namespace {
-
-struct CleanEasy {
-    void operator()(CURL* c) const { curl_easy_cleanup(c); }
-};
-struct CleanMulti {
-    void operator()(CURLM* m) const { curl_multi_cleanup(m); }
-};
-struct FreeList {
-    void operator()(curl_slist* l) const { curl_slist_free_all(l); }
-};
-using EasyPtr = std::unique_ptr<CURL, CleanEasy>;
-using MultiPtr = std::unique_ptr<CURLM, CleanMulti>;
-using ListPtr = std::unique_ptr<curl_slist, FreeList>;
 
 // Headers larger than this are no station's; a server that keeps sending them is refused.
 constexpr std::size_t headerLimit = 64 * 1024;
