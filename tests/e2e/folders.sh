@@ -19,12 +19,7 @@ ffmpeg -nostdin -loglevel error -f lavfi -i "sine=frequency=330:duration=20" -c:
     "$music/Album/tune.mp3" || fail "ffmpeg could not make the new song"
 printf '{"directoryPaths": ["%s"]}' "$work/missing" >"$game/data/MusicSettings.json"
 
-cd "$game/data" || fail "no data folder"
-env -u QT_QPA_PLATFORM SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
-pid=$!
-window() { xdotool search --onlyvisible --name "^$1\$" 2>/dev/null | head -1; }
-findMain() { main="$(window "Marble Tunnel Radio")"; [ -n "$main" ]; }
-waitUpTo 300 findMain || fail "no window titled Marble Tunnel Radio"
+startPlayer "$game/data"
 grep -q "Drawn song:" "$log" && fail "a song was drawn from a library that should be empty"
 
 # "File" is the menu bar's first entry, "Select Local Folders" its first item.

@@ -20,12 +20,7 @@ openbox >/dev/null 2>&1 &
 wm=$!
 trap '[ -n "$pid" ] && kill -9 "$pid" 2>/dev/null; kill "$wm" 2>/dev/null; rm -rf "$work"' EXIT
 sleep 1
-cd "$game/data" || fail "no data folder"
-env -u QT_QPA_PLATFORM SDL_AUDIODRIVER=dummy "$player" >"$log" 2>&1 &
-pid=$!
-window() { xdotool search --onlyvisible --name "^$1\$" 2>/dev/null | head -1; }
-findMain() { main="$(window "Marble Tunnel Radio")"; [ -n "$main" ]; }
-waitUpTo 300 findMain || fail "no window titled Marble Tunnel Radio"
+startPlayer "$game/data"
 sleep 1
 
 # The window's place on the screen and size, as X, Y, WIDTH and HEIGHT (xdotool's place does not

@@ -7,6 +7,7 @@
 #include "platform/sdlControllers.h"
 #include "support/output.h"
 #include "support/recordingPlatform.h"
+#include "support/virtualPads.h"
 
 #include <SDL.h>
 #include <gtest/gtest.h>
@@ -14,71 +15,26 @@
 
 namespace {
 
-int countRumble(void*, Uint16, Uint16) {
-    return 0;
-}
-
 constexpr int buttonA = SDL_CONTROLLER_BUTTON_A;
 constexpr int buttonB = SDL_CONTROLLER_BUTTON_B;
 constexpr int buttonX = SDL_CONTROLLER_BUTTON_X;
 constexpr int enable = SDL_CONTROLLER_BUTTON_LEFTSHOULDER;
 constexpr int rightTrigger = SDL_CONTROLLER_AXIS_TRIGGERRIGHT;
 
-// The player's controllers on SDL's virtual joysticks. The test holds the joystick subsystem
-// itself: the player's reopening would otherwise take the virtual devices with it.
+// The player's controllers on SDL's virtual joysticks.
 class Controllers : public testing::Test {
   protected:
     Controllers() {
-        SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-        SDL_InitSubSystem(SDL_INIT_JOYSTICK);
         st.hotkeyTable[action::controllerEnable].gameControllerButton = enable;
         st.hotkeyTable[action::quit].gameControllerButton = buttonA;
         st.hotkeyTable[action::volumeUp].gameControllerButton = buttonX;
     }
-    ~Controllers() override {
-        closeControllers(st);
-        while (!pads.empty())
-            detach(static_cast<int>(pads.size()) - 1);
-        SDL_QuitSubSystem(SDL_INIT_JOYSTICK);
-    }
+    ~Controllers() override { closeControllers(st); }
 
-    // Plugs a controller in as the last joystick; its triggers rest at raw -32768.
-    int attach(const char* name, bool rumbles = true) {
-        SDL_VirtualJoystickDesc desc{};
-        desc.version = SDL_VIRTUAL_JOYSTICK_DESC_VERSION;
-        desc.type = SDL_JOYSTICK_TYPE_GAMECONTROLLER;
-        desc.naxes = SDL_CONTROLLER_AXIS_MAX;
-        desc.nbuttons = SDL_CONTROLLER_BUTTON_MAX;
-        desc.name = name;
-        desc.Rumble = rumbles ? countRumble : nullptr;
-        const int index = SDL_JoystickAttachVirtualEx(&desc);
-        SDL_Joystick* joystick = SDL_JoystickOpen(index);
-        for (int axis = 0; axis < SDL_CONTROLLER_AXIS_MAX; ++axis)
-            SDL_JoystickSetVirtualAxis(joystick, axis, -32768);
-        pads.push_back(joystick);
-        return index;
-    }
-    void detach(int index) {
-        SDL_JoystickClose(pads[index]);
-        pads.erase(pads.begin() + index);
-        SDL_JoystickDetachVirtual(index);
-    }
-    // Through the player's own mapping: a name with "Xbox" gets SDL's, with other indices.
-    SDL_GameControllerButtonBind bindOf(int pad, int input, bool axis) {
-        SDL_GameController* controller =
-            SDL_GameControllerFromInstanceID(SDL_JoystickInstanceID(pads[pad]));
-        return axis ? SDL_GameControllerGetBindForAxis(controller,
-                                                       static_cast<SDL_GameControllerAxis>(input))
-                    : SDL_GameControllerGetBindForButton(
-                          controller, static_cast<SDL_GameControllerButton>(input));
-    }
-    void press(int pad, int button, bool down = true) {
-        SDL_JoystickSetVirtualButton(pads[pad], bindOf(pad, button, false).value.button, down);
-    }
-    void pull(int pad, int trigger, bool down = true) {
-        SDL_JoystickSetVirtualAxis(pads[pad], bindOf(pad, trigger, true).value.axis,
-                                   down ? 32767 : -32768);
-    }
+    int attach(const char* name, bool rumbles = true) { return pads.attach(name, rumbles); }
+    void detach(int index) { pads.detach(index); }
+    void press(int pad, int button, bool down = true) { pads.press(pad, button, down); }
+    void pull(int pad, int trigger, bool down = true) { pads.pull(pad, trigger, down); }
     // The 30 ms tick as the window's timer runs it.
     void tick(int times = 1) {
         for (int i = 0; i < times; ++i)
@@ -86,10 +42,10 @@ class Controllers : public testing::Test {
     }
     int fired() const { return platform.closeRequests; } // the quit row counts the fires
 
+    VirtualPads pads; // declared first: it goes once the player has closed its controllers
     PlayerState st;
     RecordingPlatform platform;
     SdlControllers port;
-    std::vector<SDL_Joystick*> pads;
 };
 
 TEST_F(Controllers, TheEnableButtonShiftsTheRowsAndAPressFiresOnceWithOneRumble) {
