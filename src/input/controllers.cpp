@@ -12,8 +12,6 @@ namespace {
 // The controllers are the machine's, one set per process like the window system.
 ControllerPort* installed = nullptr;
 
-constexpr int leftTriggerAxis = 4;
-constexpr int rightTriggerAxis = 5;
 // A held volume input steps every fourth tick of 30 ms.
 constexpr int holdRepeatTicks = 4;
 

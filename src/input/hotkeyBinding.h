@@ -3,6 +3,9 @@
 
 constexpr int hotkeyRowCount = 30;
 constexpr int maxControllers = 8;
+// SDL's game-controller axes of the two triggers, as a row's trigger names them.
+constexpr int leftTriggerAxis = 4;
+constexpr int rightTriggerAxis = 5;
 
 // One row of the action table: a keyboard chord and one controller input for the action whose
 // number is the row's index.

@@ -109,12 +109,8 @@ const std::array<const char*, 15> playStationButtons{
     "Cross", "Circle", "Square", "Triangle", "Select",    "PS",        "Start",     "L3",
     "R3",    "L1",     "R1",     "DPad Up",  "DPad Down", "DPad Left", "DPad Right"};
 
-constexpr int noController = -1;
-constexpr int leftTrigger = 4;
-constexpr int rightTrigger = 5;
-
 std::string triggerName(ControllerFamily family, int trigger) {
-    const bool left = trigger == leftTrigger;
+    const bool left = trigger == leftTriggerAxis;
     switch (family) {
     case ControllerFamily::Xbox:
         return left ? "LT" : "RT";
@@ -199,14 +195,14 @@ std::string buttonName(ControllerFamily family, int index) {
 }
 
 std::vector<InputEntry> fillInputList(const InputState& st) {
-    std::vector<InputEntry> list{{"None", noController}};
+    std::vector<InputEntry> list{{"None", noInputEntry}};
     ControllerFamily family;
     if (!slotZeroFamily(st, family))
         return list;
     for (int index = 0; index <= 20; ++index)
         list.push_back({buttonName(family, index), index + 1});
-    list.push_back({triggerName(family, leftTrigger), 22});
-    list.push_back({triggerName(family, rightTrigger), 23});
+    list.push_back({triggerName(family, leftTriggerAxis), leftTriggerEntry});
+    list.push_back({triggerName(family, rightTriggerAxis), rightTriggerEntry});
     return list;
 }
 
@@ -217,7 +213,7 @@ int selectBoundInput(const std::vector<InputEntry>& list, const InputState& st, 
     std::string wanted;
     if (button != -1)
         wanted = buttonName(family, button);
-    else if (trigger == leftTrigger || trigger == rightTrigger)
+    else if (trigger == leftTriggerAxis || trigger == rightTriggerAxis)
         wanted = triggerName(family, trigger);
     else
         return -1;

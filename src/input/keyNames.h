@@ -26,6 +26,9 @@ std::string buttonName(ControllerFamily family, int index);
 // One entry of a controller input list: its text and its item value (-1 none, a button's index
 // + 1, 22 and 23 the triggers).
 using InputEntry = std::pair<std::string, int>;
+constexpr int noInputEntry = -1;
+constexpr int leftTriggerEntry = 22;
+constexpr int rightTriggerEntry = 23;
 // The list of the Hotkey dialog's controller inputs, by the family of the controller in slot 0;
 // only "None" without one.
 std::vector<InputEntry> fillInputList(const InputState& st);
