@@ -3,6 +3,8 @@
 #include <functional>
 #include <optional>
 
+class QCheckBox;
+class QComboBox;
 class QLineEdit;
 class QPushButton;
 class QString;
@@ -19,6 +21,11 @@ QLineEdit* makeTextBox(QWidget* parent, int id, const QString& text, QRect box);
 // end, and is enabled and repainted only if it is still there.
 void runBlocked(QWidget& window, const std::function<void()>& work);
 
+// A check box that ticks and clears itself when clicked, and a drop-down list that cannot be
+// typed into, at their client pixels, each named by its decimal id.
+QCheckBox* makeCheckBox(QWidget* parent, int id, const QString& text, QRect box);
+QComboBox* makeDropDown(QWidget* parent, int id, QRect box);
+
 // The option dialogs' number field: an edit that takes digits only (typed or pasted), with an
 // up-down on its right edge. The arrows step the field's number, clamped to 0 to maximum, and
 // repeat while held; a number typed past the maximum stays as it is. changed runs at every
@@ -26,3 +33,13 @@ void runBlocked(QWidget& window, const std::function<void()>& work);
 // The edit's object name is editId, the up-down's editId + 1; without a value it opens empty.
 QLineEdit* makeSpinField(QWidget* parent, int editId, QRect box, std::optional<int> value,
                          int maximum, std::function<void(const QString& text)> changed);
+
+// The same with an up-down of an id of its own; stepping, when given, runs before each step of
+// the arrows with the number the step starts from, before the field changes.
+struct SpinIds {
+    int edit;
+    int upDown;
+};
+QLineEdit* makeSpinField(QWidget* parent, SpinIds ids, QRect box, std::optional<int> value,
+                         int maximum, std::function<void(const QString& text)> changed,
+                         std::function<void(int from)> stepping = {});
