@@ -49,4 +49,14 @@ TEST(KeyCaptureField, TakesTheNextKeyAfterTheFocusAModifierAloneTooAndTypesNothi
     EXPECT_EQ(second.text(), "7"); // the keypad's 7 types "7"
 }
 
+// Keys as the offscreen platform sends them, with Qt's key and no keysym.
+TEST(KeyCaptureField, MapsQtsKeysToVirtualKeysAndTheKeypadKeepsItsOwn) {
+    const std::tuple<int, Qt::KeyboardModifiers, std::uint32_t> keys[] = {
+        {Qt::Key_Plus, Qt::KeypadModifier, 107},   {Qt::Key_Plus, Qt::ShiftModifier, 187},
+        {Qt::Key_Period, Qt::KeypadModifier, 110}, {Qt::Key_Semicolon, Qt::NoModifier, 186},
+        {Qt::Key_Backtab, Qt::ShiftModifier, 9},   {Qt::Key_Exclam, Qt::ShiftModifier, 0}};
+    for (auto [key, modifiers, vk] : keys)
+        EXPECT_EQ(KeyCaptureField::virtualKeyOf(QKeyEvent(QEvent::KeyPress, key, modifiers)), vk);
+}
+
 } // namespace
