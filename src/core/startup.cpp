@@ -48,10 +48,6 @@ template <typename Load> void loadFromDataOrBare(PlayerState& st, const char* na
         load(st, name);
 }
 
-void loadKeyBindings(PlayerState& st) {
-    loadFromDataOrBare(st, "hotkeyConfig.json", loadHotkeys);
-}
-
 void countScannedLibrary(PlayerState& st) {
     st.scanSongCount = 0;
     for (const Playlist& playlist : st.playlists)
@@ -100,6 +96,10 @@ void keepCachedLibrary(PlayerState& st) {
 }
 
 } // namespace
+
+void loadKeyBindings(PlayerState& st) {
+    loadFromDataOrBare(st, "hotkeyConfig.json", loadHotkeys);
+}
 
 void buildListEntries(PlayerState& st) {
     st.listEntries.assign(st.builtInStationNames.begin(), st.builtInStationNames.end());

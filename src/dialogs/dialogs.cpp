@@ -11,4 +11,5 @@ void installDialogs() {
     installDialogFiller(command::foldersDialog, fillFolderDialog);
     installDialogFiller(command::stationsDialog, fillStationsDialog);
     installDialogFiller(command::updateDialog, fillUpdateDialog);
+    installDialogFiller(command::hotkeysDialog, fillHotkeyDialog);
 }

@@ -15,3 +15,4 @@ void fillFavoriteOptionsDialog(DialogWindow& window, PlayerState& st);
 void fillFolderDialog(DialogWindow& window, PlayerState& st);
 void fillStationsDialog(DialogWindow& window, PlayerState& st);
 void fillUpdateDialog(DialogWindow& window, PlayerState& st);
+void fillHotkeyDialog(DialogWindow& window, PlayerState& st);
