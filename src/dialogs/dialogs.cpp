@@ -12,4 +12,5 @@ void installDialogs() {
     installDialogFiller(command::stationsDialog, fillStationsDialog);
     installDialogFiller(command::updateDialog, fillUpdateDialog);
     installDialogFiller(command::hotkeysDialog, fillHotkeyDialog);
+    installDialogFiller(command::visualDialog, fillVisualDialog);
 }

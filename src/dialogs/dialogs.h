@@ -16,3 +16,4 @@ void fillFolderDialog(DialogWindow& window, PlayerState& st);
 void fillStationsDialog(DialogWindow& window, PlayerState& st);
 void fillUpdateDialog(DialogWindow& window, PlayerState& st);
 void fillHotkeyDialog(DialogWindow& window, PlayerState& st);
+void fillVisualDialog(DialogWindow& window, PlayerState& st);

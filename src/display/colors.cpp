@@ -85,8 +85,10 @@ void applyScheme(DisplayState& st, int index) {
     st.songB = scheme.lcd.b;
 }
 
-void applyRandomColorScheme(DisplayState& st) {
-    applyScheme(st, st.rand15.next() % static_cast<int>(colorSchemes.size()));
+int applyRandomColorScheme(DisplayState& st) {
+    const int index = st.rand15.next() % static_cast<int>(colorSchemes.size());
+    applyScheme(st, index);
+    return index;
 }
 
 std::optional<int> findSchemeIndex(const DisplayState& st) {

@@ -26,8 +26,9 @@ extern const std::array<ColorScheme, 18> colorSchemes;
 
 // Copies a scheme's colours into the nine colour settings.
 void applyScheme(DisplayState& st, int index);
-// A scheme drawn with the 15-bit rand(), at start-up when randomColorPlayer is on and by the lamp.
-void applyRandomColorScheme(DisplayState& st);
+// A scheme drawn with the 15-bit rand() and applied, at start-up when randomColorPlayer is on, by
+// the lamp and by the Visual dialog; returns its index.
+int applyRandomColorScheme(DisplayState& st);
 // The first scheme whose colours are all nine settings, if any.
 std::optional<int> findSchemeIndex(const DisplayState& st);
 // The first named colour of these values, if any.
