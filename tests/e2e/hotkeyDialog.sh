@@ -39,4 +39,5 @@ songs="$(drawn)"
 xdotool key ctrl+F9
 moved() { [ "$(drawn)" -gt "$songs" ]; }
 waitUpTo 100 moved || fail "Ctrl+F9 drew no new song"
+stopPlayer
 exit 0
