@@ -25,9 +25,7 @@ void paintUpdate(Canvas& canvas, const PlayerState& st) {
 // What the web site offers, its download page, and the way to stop the check.
 void fillUpdateDialog(DialogWindow& window, PlayerState& st) {
     QPushButton* downloads = makeButton(&window, 3013, "Go To Downloads Page", {10, 30, 400, 25});
-    auto* noCheck = new QCheckBox("Do not check for updates", &window);
-    noCheck->setObjectName("3014");
-    noCheck->setGeometry(10, 70, 200, 25);
+    QCheckBox* noCheck = makeCheckBox(&window, 3014, "Do not check for updates", {10, 70, 200, 25});
     QPushButton* exit = makeButton(&window, 3007, "Exit", {235, 70, 175, 25});
     // Opaque controls: a hovered one repaints alone, not the window under it, whose paint
     // would make a request each time.

@@ -26,20 +26,21 @@ QToolButton* arrowButton(QWidget* parent, Qt::ArrowType arrow) {
     return button;
 }
 
+// A control at its client pixels, named by its decimal id, as the tests find it.
+template <typename Control> Control* placed(Control* control, int id, QRect box) {
+    control->setObjectName(QString::number(id));
+    control->setGeometry(box);
+    return control;
+}
+
 } // namespace
 
 QPushButton* makeButton(QWidget* parent, int id, const QString& text, QRect box) {
-    auto* button = new QPushButton(text, parent);
-    button->setObjectName(QString::number(id));
-    button->setGeometry(box);
-    return button;
+    return placed(new QPushButton(text, parent), id, box);
 }
 
 QLineEdit* makeTextBox(QWidget* parent, int id, const QString& text, QRect box) {
-    auto* edit = new QLineEdit(text, parent);
-    edit->setObjectName(QString::number(id));
-    edit->setGeometry(box);
-    return edit;
+    return placed(new QLineEdit(text, parent), id, box);
 }
 
 void runBlocked(QWidget& window, const std::function<void()>& work) {
@@ -61,16 +62,11 @@ void runBlocked(QWidget& window, const std::function<void()>& work) {
 }
 
 QCheckBox* makeCheckBox(QWidget* parent, int id, const QString& text, QRect box) {
-    auto* check = new QCheckBox(text, parent);
-    check->setObjectName(QString::number(id));
-    check->setGeometry(box);
-    return check;
+    return placed(new QCheckBox(text, parent), id, box);
 }
 
 QComboBox* makeDropDown(QWidget* parent, int id, QRect box) {
-    auto* list = new QComboBox(parent);
-    list->setObjectName(QString::number(id));
-    list->setGeometry(box);
+    QComboBox* list = placed(new QComboBox(parent), id, box);
     list->setMaxVisibleItems(dropDownRows);
     return list;
 }
