@@ -113,7 +113,7 @@ TEST(VisualDialog, ATextureThatFailsShowsItsBoxAndStaysChosen) {
         st.textures = {{8, 8, "Gone"}, {8, 8, "Lost"}};
     });
     dialog.st.bitmapStore = &store;
-    list(dialog, 3010)->setCurrentIndex(1);
+    list(dialog, 3010)->setCurrentIndex(1); // the user's pick: selected, then told
     Q_EMIT list(dialog, 3010)->activated(1);
     ASSERT_EQ(dialog.platform.boxes.size(), 1u);
     EXPECT_EQ(std::tuple(dialog.platform.boxes[0].text, dialog.platform.boxes[0].title,
