@@ -39,16 +39,17 @@ sleep 0.5
 xdotool windowfocus --sync "$picker"
 xdotool key ctrl+a
 xdotool type --delay 20 "$music"
-sleep 0.3
+# The picker's completer follows the typing; on a loaded machine it needs a moment.
+sleep 1
 xdotool key Return
 pickerGone() { [ -z "$(window "Browse for Music Folder")" ]; }
 waitUpTo 50 pickerGone || fail "the picker did not take the folder"
 
 xdotool mousemove --window "$folders" 240 102 click 1
-sleep 0.3
+sleep 0.8
 xdotool mousemove --window "$folders" 335 602 click 1
 drawnNew() { grep -q "Drawn song: $music/Album/tune.mp3" "$log"; }
-waitUpTo 100 drawnNew || fail "Scan drew no song of the new folder"
+waitUpTo 200 drawnNew || fail "Scan drew no song of the new folder"
 sleep 0.5
 eval "$(xdotool getwindowgeometry --shell "$folders")"
 ffmpeg -nostdin -loglevel error -y -f x11grab -draw_mouse 0 -video_size "${WIDTH}x$HEIGHT" \
