@@ -5,26 +5,14 @@
 
 #include <array>
 
-namespace {
-
-// The station on, when the list still has it.
-std::optional<std::size_t> playingStation(const PlayerState& st) {
-    if (!st.onStation || st.currentStation < 0 ||
-        st.currentStation >= static_cast<int>(st.radioStations.size()))
-        return std::nullopt;
-    return static_cast<std::size_t>(st.currentStation);
-}
-
-} // namespace
-
 const std::string& favoriteOptionsTitle(const PlayerState& st) {
     return st.onStation ? st.streamTitle : st.songTitle;
 }
 
 std::optional<int> playingFavoriteCount(const PlayerState& st) {
     if (st.onStation) {
-        if (const auto station = playingStation(st))
-            return st.radioStations[*station].favoriteCount;
+        if (const RadioStation* station = findStation(st, st.currentStation))
+            return station->favoriteCount;
         return std::nullopt;
     }
     if (const Song* song = findSong(st, {st.playingPlaylist, st.playingSong}))
@@ -35,9 +23,9 @@ std::optional<int> playingFavoriteCount(const PlayerState& st) {
 void setPlayingFavoriteCount(PlayerState& st, int count) {
     const int flag = count >= 1 ? 1 : 0;
     if (st.onStation) {
-        if (const auto station = playingStation(st)) {
-            st.radioStations[*station].favoriteCount = count;
-            st.radioStations[*station].favorite = flag;
+        if (RadioStation* station = findStation(st, st.currentStation)) {
+            station->favoriteCount = count;
+            station->favorite = flag;
         }
         return;
     }

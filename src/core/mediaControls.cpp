@@ -4,6 +4,7 @@
 #include "core/playerState.h"
 #include "core/transport.h"
 #include "core/volume.h"
+#include "library/model.h"
 #include "playback/engine/engine.h"
 
 #include <algorithm>
@@ -11,13 +12,6 @@
 #include <cmath>
 
 namespace {
-
-const RadioStation* stationOnAir(const PlayerState& st) {
-    if (!st.onStation || st.currentStation < 0 ||
-        st.currentStation >= static_cast<int>(st.radioStations.size()))
-        return nullptr;
-    return &st.radioStations[static_cast<std::size_t>(st.currentStation)];
-}
 
 double lengthSeconds(const PlayerState& st) {
     return channelBytesToSeconds(st.activeHandle, channelGetLength(st.activeHandle));
@@ -33,13 +27,12 @@ MediaSnapshot mediaSnapshot(const PlayerState& st) {
                       : state == TransportState::Paused ? MediaStatus::Paused
                                                         : MediaStatus::Stopped;
     snapshot.hasSong = st.activeHandle != 0 && state != TransportState::AudioOff;
-    snapshot.onStation = st.onStation;
     snapshot.volume = static_cast<double>(st.volume);
     snapshot.canGoPrevious = st.historyPosition > 0;
     if (st.onStation) {
         snapshot.title = st.streamTitle;
         snapshot.album = st.stationName;
-        if (const RadioStation* station = stationOnAir(st))
+        if (const RadioStation* station = findStation(st, st.currentStation))
             snapshot.url = station->url;
     } else {
         snapshot.title = st.songTitle;

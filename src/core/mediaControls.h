@@ -13,8 +13,7 @@ enum class MediaStatus { Playing, Paused, Stopped };
 // The player as the desktop shows it; compared between looks to tell what changed.
 struct MediaSnapshot {
     MediaStatus status = MediaStatus::Stopped;
-    bool hasSong = false; // something is loaded, a song or a station
-    bool onStation = false;
+    bool hasSong = false;                 // something is loaded, a song or a station
     std::optional<std::int64_t> lengthUs; // none on a station or with nothing loaded
     std::string title;
     std::string album;

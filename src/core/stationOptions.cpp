@@ -2,18 +2,11 @@
 
 #include "core/hostPort.h"
 #include "core/playerState.h"
+#include "library/model.h"
 #include "library/stations.h"
 #include "playback/tags.h"
 #include "util/ascii.h"
 #include "util/paths.h"
-
-namespace {
-
-bool isStation(const PlayerState& st, int index) {
-    return index >= 0 && index < static_cast<int>(st.radioStations.size());
-}
-
-} // namespace
 
 std::string stationRow(const RadioStation& station) {
     return station.name + " - " + station.url;
@@ -41,7 +34,7 @@ AddedStation addStationUrl(PlayerState& st, const std::vector<std::string>& rows
 }
 
 void deleteStation(PlayerState& st, std::optional<int> row) {
-    if (!row || !isStation(st, *row))
+    if (!row || !findStation(st, *row))
         return;
     st.radioStations.erase(st.radioStations.begin() + *row);
     st.stationCount = static_cast<int>(st.radioStations.size());
@@ -54,7 +47,7 @@ void deleteStation(PlayerState& st, std::optional<int> row) {
 }
 
 void testStationAt(PlayerState& st, int index) {
-    if (!isStation(st, index))
+    if (!findStation(st, index))
         return;
     const std::string box = testStation(st, index);
     if (!box.empty())

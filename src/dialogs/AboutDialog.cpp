@@ -12,7 +12,7 @@
 namespace {
 
 void paintAbout(Canvas& canvas, const PlayerState& st) {
-    const TextBoxStyle style{.size = 18, .scaled = false, .wrapped = true, .text = {0, 0, 0}};
+    const TextBoxStyle style{.size = 18, .scaled = false, .wrapped = true};
     drawTextBox(canvas, st, aboutFirstText, {5, 5, 680, 600}, style);
     drawTextBox(canvas, st, aboutSecondText, {5, 575, 680, 600}, style);
 }

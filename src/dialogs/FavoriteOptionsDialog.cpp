@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr Color black{0, 0, 0};
-
 const char* const aboutFavoriteCount =
     "The Favorite Count lets you multiply how often this song appears in your playlists and "
     "recommendations. Setting it to 10 is like having 10 copies of the song, while 100 acts like "
@@ -22,11 +20,10 @@ const char* const aboutFavoriteCount =
 
 void paintFavoriteOptions(Canvas& canvas, const PlayerState& st) {
     drawTextBox(canvas, st, favoriteOptionsTitle(st), {10, 12, 470, 50},
-                {.size = 20, .scaled = false, .wrapped = true, .text = black});
-    drawTextBox(canvas, st, "Favorite Count:", {10, 80, 250, 20},
-                {.size = 18, .scaled = false, .text = black});
+                {.size = 20, .scaled = false, .wrapped = true});
+    drawTextBox(canvas, st, "Favorite Count:", {10, 80, 250, 20}, {.size = 18, .scaled = false});
     drawTextBox(canvas, st, aboutFavoriteCount, {10, 160, 470, 80},
-                {.size = 16, .scaled = false, .wrapped = true, .text = black});
+                {.size = 16, .scaled = false, .wrapped = true});
 }
 
 } // namespace

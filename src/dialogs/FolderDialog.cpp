@@ -13,17 +13,14 @@
 
 namespace {
 
-constexpr Color black{0, 0, 0};
-
 void paintFolders(Canvas& canvas, const PlayerState& st) {
-    const TextBoxStyle heading{
-        .size = 18, .scaled = false, .bold = true, .centered = true, .text = black};
+    const TextBoxStyle heading{.size = 18, .scaled = false, .bold = true, .centered = true};
     drawTextBox(canvas, st, "Add Music Folder", {20, 20, 580, 100}, heading);
     drawTextBox(canvas, st, "Add Soundfont Folder", {20, 140, 580, 100}, heading);
     drawTextBox(canvas, st, "Add Marble Tunnel Path", {20, 260, 580, 100}, heading);
     // Under the buttons, until the next scan reads every root.
     drawTextBox(canvas, st, unreadableRootsLine(st), {10, 620, 650, 40},
-                {.size = 16, .scaled = false, .wrapped = true, .text = black});
+                {.size = 16, .scaled = false, .wrapped = true});
 }
 
 } // namespace
@@ -36,11 +33,8 @@ void fillFolderDialog(DialogWindow& window, PlayerState& st) {
         &window, 4104, QString::fromStdString(st.soundFontDirectoryPath), {25, 170, 565, 25});
     QLineEdit* gameBox =
         makeTextBox(&window, 4110, QString::fromStdString(st.marbleTunnelPath), {25, 290, 565, 25});
-    auto* list = new QListWidget(&window);
-    list->setObjectName("4106");
-    list->setGeometry(20, 390, 580, 200);
-    for (const std::string& path : st.directoryPaths)
-        list->addItem(QString::fromStdString(path));
+    QListWidget* list = makeList(&window, 4106, {20, 390, 580, 200});
+    fillList(*list, st.directoryPaths);
 
     auto pick = [&window, &st](PickedFolder mode, QLineEdit* box) {
         if (std::optional<std::string> path = host::pickFolder(folderPickerTitle(mode))) {

@@ -22,7 +22,6 @@
 
 namespace {
 
-constexpr Color black{0, 0, 0};
 constexpr int listHeight = 24;
 constexpr int readOutWidth = 300;
 constexpr int readOutHeight = 40;
@@ -44,8 +43,7 @@ constexpr std::array<BottomLabel, 4> bottomLabels{{{enableListY, enableListLabel
                                                    {570, "Toggle Rumble:"}}};
 
 void paintHotkeyOptions(Canvas& canvas, const PlayerState& st) {
-    const TextBoxStyle style{
-        .size = 16, .scaled = false, .bold = true, .wrapped = true, .text = black};
+    const TextBoxStyle style{.size = 16, .scaled = false, .bold = true, .wrapped = true};
     TextBoxStyle centred = style;
     centred.centered = true;
     drawTextBox(canvas, st, "Key Board", {150, 7, 100, 80}, centred);
@@ -60,7 +58,6 @@ void paintHotkeyOptions(Canvas& canvas, const PlayerState& st) {
     TextBoxStyle framed = centred;
     framed.middle = true;
     framed.border = 1;
-    framed.pen = black;
     drawTextBox(canvas, st, pressedButtonLine(st),
                 {5, pressedButtonTop(st), readOutWidth, readOutHeight}, framed);
 }

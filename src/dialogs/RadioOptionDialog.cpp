@@ -12,8 +12,6 @@ namespace {
 
 constexpr int labelHeight = 20;
 constexpr int labelSize = 16;
-constexpr Color black{0, 0, 0};
-
 const char* const aboutRadioMode =
     "Radio Mode allows you to set custom playback ratios for MIDI, MP3, Tracker, and Favorite "
     "songs. Adjust the minimum and maximum duration to play randomized song segments with a "
@@ -27,9 +25,9 @@ void paintRadioOptions(Canvas& canvas, const PlayerState& st) {
     for (const RadioOptionRow& row : radioOptionRows)
         drawTextBox(canvas, st, radioOptionLabel(st, row),
                     {labelX(row), row.y, row.editX - labelX(row), labelHeight},
-                    {.size = labelSize, .scaled = false, .middle = true, .text = black});
+                    {.size = labelSize, .scaled = false, .middle = true});
     drawTextBox(canvas, st, aboutRadioMode, {10, 220, 530, 100},
-                {.size = labelSize, .scaled = false, .wrapped = true, .text = black});
+                {.size = labelSize, .scaled = false, .wrapped = true});
 }
 
 int numberIn(const DialogWindow& window, int editId) {

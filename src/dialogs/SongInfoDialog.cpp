@@ -14,12 +14,9 @@ namespace {
 
 void paintSongInfo(Canvas& canvas, const PlayerState& st) {
     for (const SongInfoLine& line : songInfoLines(st))
-        drawTextBox(canvas, st, line.text, line.box,
-                    {.size = 18,
-                     .scaled = false,
-                     .centered = line.centered,
-                     .wrapped = !line.centered,
-                     .text = {0, 0, 0}});
+        drawTextBox(
+            canvas, st, line.text, line.box,
+            {.size = 18, .scaled = false, .centered = line.centered, .wrapped = !line.centered});
 }
 
 } // namespace

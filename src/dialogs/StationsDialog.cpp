@@ -13,12 +13,6 @@
 
 namespace {
 
-void fillRows(QListWidget& list, const std::vector<std::string>& rows) {
-    list.clear();
-    for (const std::string& row : rows)
-        list.addItem(QString::fromStdString(row));
-}
-
 std::vector<std::string> rowsOf(const QListWidget& list) {
     std::vector<std::string> rows;
     for (int row = 0; row < list.count(); ++row)
@@ -61,10 +55,8 @@ void testAllStations(DialogWindow& window, PlayerState& st) {
 // station from its stream. Each test holds the thread for up to 5 s.
 void fillStationsDialog(DialogWindow& window, PlayerState& st) {
     QLineEdit* urlBox = makeTextBox(&window, 5002, "", {25, 50, 565, 25});
-    QPointer<QListWidget> list = new QListWidget(&window);
-    list->setObjectName("5004");
-    list->setGeometry(20, 120, 580, 400);
-    fillRows(*list, stationRows(st));
+    QPointer<QListWidget> list = makeList(&window, 5004, {20, 120, 580, 400});
+    fillList(*list, stationRows(st));
 
     auto on = [&window](QPushButton* pressed, auto action) {
         QObject::connect(pressed, &QPushButton::clicked, &window, action);
@@ -72,7 +64,7 @@ void fillStationsDialog(DialogWindow& window, PlayerState& st) {
     // A test may end with the window gone: a box's own event loop can close it.
     auto refill = [&st, list] {
         if (list)
-            fillRows(*list, stationRows(st));
+            fillList(*list, stationRows(st));
     };
     on(makeButton(&window, 5001, "Add URL", {240, 90, 120, 25}), [&st, urlBox, list] {
         const QString text = urlBox->text();
@@ -100,9 +92,8 @@ void fillStationsDialog(DialogWindow& window, PlayerState& st) {
     on(makeButton(&window, 3007, "Exit", {370, 520, 100, 25}), [&window] { window.close(); });
 
     window.paint = [&st](Canvas& canvas) {
-        drawTextBox(
-            canvas, st, "Add internet radio URL", {20, 20, 580, 100},
-            {.size = 18, .scaled = false, .bold = true, .centered = true, .text = {0, 0, 0}});
+        drawTextBox(canvas, st, "Add internet radio URL", {20, 20, 580, 100},
+                    {.size = 18, .scaled = false, .bold = true, .centered = true});
     };
     window.closing = [&st] { closeStationsDialog(st); };
 }

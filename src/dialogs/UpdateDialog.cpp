@@ -17,7 +17,7 @@ void paintUpdate(Canvas& canvas, const PlayerState& st) {
     const bool newer = checkForNewVersion(st.versionServer, latest);
     // Scaled as the main window is, straight over the window's own client pixels.
     drawTextBox(canvas, st, updateText(newer, latest), {10, 10, 400, 80},
-                {.size = 18, .scaled = true, .wrapped = true, .text = {0, 0, 0}});
+                {.size = 18, .scaled = true, .wrapped = true});
 }
 
 } // namespace

@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr Color black{0, 0, 0};
 constexpr int listHeight = 24;
 constexpr int maximum = 255;
 
@@ -32,13 +31,11 @@ constexpr std::array<Label, 6> labels{{
 }};
 
 void paintVisualOptions(Canvas& canvas, const PlayerState& st) {
-    const TextBoxStyle style{
-        .size = 18, .scaled = false, .bold = true, .wrapped = true, .text = black};
+    const TextBoxStyle style{.size = 18, .scaled = false, .bold = true, .wrapped = true};
     TextBoxStyle centred = style;
     centred.centered = true;
     TextBoxStyle framed = centred;
     framed.border = 1;
-    framed.pen = black;
     for (const ColorGroup& group : colorGroups) {
         drawTextBox(canvas, st, group.title, {group.x, 8, 120, 150}, framed);
         int y = 35;

@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
 #include <QRegularExpressionValidator>
@@ -69,6 +70,16 @@ QComboBox* makeDropDown(QWidget* parent, int id, QRect box) {
     QComboBox* list = placed(new QComboBox(parent), id, box);
     list->setMaxVisibleItems(dropDownRows);
     return list;
+}
+
+QListWidget* makeList(QWidget* parent, int id, QRect box) {
+    return placed(new QListWidget(parent), id, box);
+}
+
+void fillList(QListWidget& list, const std::vector<std::string>& rows) {
+    list.clear();
+    for (const std::string& row : rows)
+        list.addItem(QString::fromStdString(row));
 }
 
 QLineEdit* makeSpinField(QWidget* parent, int editId, QRect box, std::optional<int> value,

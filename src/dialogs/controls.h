@@ -2,10 +2,13 @@
 #include <QRect>
 #include <functional>
 #include <optional>
+#include <string>
+#include <vector>
 
 class QCheckBox;
 class QComboBox;
 class QLineEdit;
+class QListWidget;
 class QPushButton;
 class QString;
 class QWidget;
@@ -25,6 +28,9 @@ void runBlocked(QWidget& window, const std::function<void()>& work);
 // typed into, at their client pixels, each named by its decimal id.
 QCheckBox* makeCheckBox(QWidget* parent, int id, const QString& text, QRect box);
 QComboBox* makeDropDown(QWidget* parent, int id, QRect box);
+// A list of rows in the order given, no sorting; replaces the rows of one made before.
+QListWidget* makeList(QWidget* parent, int id, QRect box);
+void fillList(QListWidget& list, const std::vector<std::string>& rows);
 
 // The option dialogs' number field: an edit that takes digits only (typed or pasted), with an
 // up-down on its right edge. The arrows step the field's number, clamped to 0 to maximum, and

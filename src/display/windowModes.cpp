@@ -4,13 +4,6 @@
 
 #include <algorithm>
 
-namespace {
-
-constexpr int virtualKeyAlt = 0x12;
-constexpr int virtualKeyB = 0x42;
-
-} // namespace
-
 FormSteps cursorMoved(DisplayState& st, int screenX, int screenY) {
     FormSteps steps;
     if (st.borderlessAuto != 1)

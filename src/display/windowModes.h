@@ -19,6 +19,9 @@ FormSteps cursorMoved(DisplayState& st, int screenX, int screenY);
 // Timer 101: with the automatic mode on, the window goes bare unless a movement has just brought
 // its frame back; the timer stops either way. Switched off, the timer fires on without effect.
 FormSteps borderlessTimerFired(DisplayState& st);
+// The Windows virtual-key codes the window modes answer to.
+constexpr int virtualKeyAlt = 0x12;
+constexpr int virtualKeyB = 0x42;
 // Alt+B (B only; the keypad's 2 is no B here) in both forms, or Alt alone in the bare form, which
 // is the way back to the frame. A key the keyboard repeats while held counts once.
 bool systemKeyToggles(int virtualKey, bool altDown, bool borderless, bool autoRepeat);

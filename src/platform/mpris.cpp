@@ -92,8 +92,8 @@ MprisService::~MprisService() {
         QDBusConnection::sessionBus().unregisterService(busName_);
 }
 
-QDBusObjectPath MprisService::trackId() const {
-    if (!published_.hasSong && !mediaSnapshot(st_).hasSong)
+QDBusObjectPath MprisService::trackId(const MediaSnapshot& snapshot) const {
+    if (!snapshot.hasSong)
         return QDBusObjectPath("/org/mpris/MediaPlayer2/TrackList/NoTrack");
     return QDBusObjectPath(QString("/org/marbletunnelradio/track/%1").arg(track_));
 }
@@ -109,8 +109,7 @@ void MprisService::publishChanges() {
     if (newTrack || now.hasSong != published_.hasSong || now.title != published_.title ||
         now.album != published_.album || now.url != published_.url ||
         now.lengthUs != published_.lengthUs) {
-        published_ = now; // the track id reads it
-        changed["Metadata"] = mprisMetadata(now, trackId());
+        changed["Metadata"] = mprisMetadata(now, trackId(now));
     }
     if (now.volume != published_.volume)
         changed["Volume"] = now.volume;
@@ -162,7 +161,8 @@ QString MprisPlayer::playbackStatus() const {
 }
 
 QVariantMap MprisPlayer::metadata() const {
-    return mprisMetadata(mediaSnapshot(service_->state()), service_->trackId());
+    const MediaSnapshot now = mediaSnapshot(service_->state());
+    return mprisMetadata(now, service_->trackId(now));
 }
 
 double MprisPlayer::volume() const {
@@ -231,7 +231,7 @@ void MprisPlayer::Seek(qlonglong offset) {
 }
 
 void MprisPlayer::SetPosition(const QDBusObjectPath& trackId, qlonglong position) {
-    if (trackId != service_->trackId())
+    if (trackId != service_->trackId(mediaSnapshot(service_->state())))
         return; // a request about a song that has gone
     mediaSeek(service_->state(), position);
 }

@@ -27,7 +27,7 @@ class MprisService : public QObject {
     PlayerState& state() { return st_; }
     QWidget& window() { return window_; }
     // The song's id on the bus: new at each song, NoTrack while nothing is loaded.
-    QDBusObjectPath trackId() const;
+    QDBusObjectPath trackId(const MediaSnapshot& snapshot) const;
     // Compares the player with the last look and tells the bus what changed.
     void publishChanges();
     void emitSeeked();

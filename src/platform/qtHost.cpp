@@ -124,7 +124,7 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (!alt && !key->modifiers().testFlag(Qt::AltModifier))
         return false;
     if (event->type() == QEvent::KeyPress) {
-        const int virtualKey = alt ? 0x12 : key->key() == Qt::Key_B ? 0x42 : 0;
+        const int virtualKey = alt ? virtualKeyAlt : key->key() == Qt::Key_B ? virtualKeyB : 0;
         onSystemKey(st_, virtualKey, key->modifiers().testFlag(Qt::AltModifier) || alt,
                     key->isAutoRepeat());
     }

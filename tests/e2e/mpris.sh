@@ -51,6 +51,9 @@ second="$(title)"
 newTrack="$(track | grep -o "'.*'" | tr -d "'")"
 carried() { grep "PropertiesChanged" "$work/monitor" | grep -q "$newTrack"; }
 waitUpTo 30 carried || fail "no PropertiesChanged carried the new track $newTrack"
+# The same change made going back possible, and says so beside the new track.
+grep "PropertiesChanged" "$work/monitor" | grep -q "CanGoPrevious" ||
+    fail "no PropertiesChanged said that Previous can go back"
 player Next
 sleep 0.3
 player Previous
