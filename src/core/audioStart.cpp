@@ -4,6 +4,7 @@
 #include "core/playerState.h"
 #include "playback/audioSetup.h"
 #include "playback/engine/engine.h"
+#include "playback/levelling.h"
 #include "playback/soundfonts.h"
 #include "settings/configFile.h"
 #include "util/paths.h"
@@ -57,5 +58,8 @@ void stepSoundFont(PlayerState& st, int step) {
         return;
     }
     st.songInfoDirty = true;
-    showFontBox(selectSoundFont(st, (st.currentSoundFont + (step < 0 ? count - 1 : 1)) % count));
+    FontBox box = selectSoundFont(st, (st.currentSoundFont + (step < 0 ? count - 1 : 1)) % count);
+    if (box == FontBox::None)
+        relevelAudible(st);
+    showFontBox(box);
 }

@@ -18,6 +18,8 @@ struct RadioOptionRow {
 };
 
 constexpr int crossFadeEditId = 1013;
+// The loudness levelling's check box, which no other control of the window moves for.
+constexpr int levellingCheckBoxId = 3020;
 extern const std::array<RadioOptionRow, 12> radioOptionRows;
 
 // The number an edit holds as the setting takes it: digits read without a limit, saturated at

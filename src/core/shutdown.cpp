@@ -13,6 +13,7 @@
 #include "library/stations.h"
 #include "playback/audioSetup.h"
 #include "playback/fadeWorker.h"
+#include "playback/loudnessWorker.h"
 #include "settings/configFile.h"
 #include "settings/exchangeFiles.h"
 #include "util/paths.h"
@@ -29,6 +30,7 @@ void shutdown(PlayerState& st) {
         exportForGame(st);
     // No fade-out worker may outlive the state it works on: each clears its pair now.
     endFadeWorkers(st);
+    endLoudnessWorker(st); // abandons its song, and saves what it measured
     freeAudio(st);
     closeControllers(st);
     rebuildFavorites(st);

@@ -22,6 +22,8 @@
 #include "library/scan.h"
 #include "library/stations.h"
 #include "playback/audioSetup.h"
+#include "playback/levelling.h"
+#include "playback/loudnessWorker.h"
 #include "settings/configFile.h"
 #include "settings/exchangeFiles.h"
 #include "settings/musicSettings.h"
@@ -173,6 +175,8 @@ void runStartupSequence(PlayerState& st) {
 
     st.appliedVolume = st.volume;
     recountLibrary(st);
+    loadLevellingSwitch(st);
+    startLoudnessWorker(st);
     buildListEntries(st);
     loadKeyBindings(st);
     if (st.totalSongCount <= 0)

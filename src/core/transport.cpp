@@ -8,7 +8,9 @@
 #include "playback/crossfade.h"
 #include "playback/engine/engine.h"
 #include "playback/fadeWorker.h"
+#include "playback/levelling.h"
 #include "playback/loading.h"
+#include "playback/loudnessWorker.h"
 #include "playback/slots.h"
 #include "playback/soundfonts.h"
 #include "radio/segments.h"
@@ -92,11 +94,13 @@ void startPlayback(PlayerState& st) {
         if (tracker && !handle) {
             logOut("Error loading trackerStream: %u\n", static_cast<unsigned>(engineErrorCode()));
         } else {
+            levelIncoming(st, handle);
             fadeInFirstSong(st, handle);
             setSegment(st, handle);
         }
         armStationRetry(st, handle);
     }
+    queueLibraryForLoudness(st); // a start follows every new library
     host::notifyPlayerChanged(host::PlayerChange::Song);
 }
 
@@ -127,6 +131,7 @@ void startTransition(PlayerState& st) {
             ++st.songsSinceFontChange;
             rotation = rotateSoundFont(st);
         }
+        levelIncoming(st, handle); // through the font it will be heard with, before it is heard
         endHistoryWalkAtLastRow(st);
         st.nextSlotActive = !st.nextSlotActive;
         st.previousMusicType = st.currentMusicType;

@@ -4,7 +4,9 @@
 #include "dialogs/dialogs.h"
 #include "display/panels.h"
 #include "platform/dialogWindows.h"
+#include "playback/levelling.h"
 
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -50,6 +52,11 @@ void fillRadioOptionDialog(DialogWindow& window, PlayerState& st) {
     }
     QObject::connect(makeButton(&window, 3007, "Exit", {280, 187, 250, 30}), &QPushButton::clicked,
                      &window, &QWidget::close);
+    // Loudness levelling sits in the free place left of "Exit"; it takes effect at once.
+    QCheckBox* level =
+        makeCheckBox(&window, levellingCheckBoxId, "Level loudness (EBU R128)", {10, 190, 260, 24});
+    level->setChecked(st.loudness.enabled);
+    QObject::connect(level, &QCheckBox::toggled, &window, [&st](bool on) { setLevelling(st, on); });
     window.paint = [&st](Canvas& canvas) { paintRadioOptions(canvas, st); };
     window.closing = [&window, &st] {
         closeRadioOptions(st,

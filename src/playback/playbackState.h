@@ -2,6 +2,7 @@
 #include "library/libraryState.h"
 #include "library/records.h"
 #include "playback/engine/handle.h"
+#include "playback/loudnessState.h"
 #include "util/randomSources.h"
 
 #include <atomic>
@@ -82,4 +83,7 @@ struct PlaybackState : LibraryState {
     // from the system's non-deterministic source.
     LazyMt19937 soundFontRng;
     std::uint32_t soundFontSeed = 0;
+
+    // --- Loudness levelling: every song near one loudness, measured in the background.
+    LoudnessState loudness;
 };

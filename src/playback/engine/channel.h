@@ -106,6 +106,9 @@ struct Channel {
     // channel has played its last frame.
     std::atomic<int> state{0};
     SharedRamp volume;
+    // The loudness levelling's factor, in front of the volume and apart from it, so that what the
+    // user set is still what every reader of the volume sees.
+    SharedRamp gain;
     const bool loops;
     const bool midi;
     const std::uint64_t lengthFrames;
@@ -115,6 +118,7 @@ struct Channel {
     // An internet stream's reader: its tags, and its wait for bytes that a stop must end.
     const std::shared_ptr<CurlReader> reader;
     std::vector<FontHandle> fonts; // as set through the engine, for get-fonts
+    std::string fontPath;          // the file of the first of them, for the loudness levelling
 
     // --- The mixer's side (the audio callback, or the null output under its lock).
     FrameRing ring{32768};

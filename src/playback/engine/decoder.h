@@ -34,6 +34,8 @@ class Decoder {
 // so no decode thread can render from a font that was freed under it.
 class SoundFont;
 using SoundFontRef = std::shared_ptr<const SoundFont>;
+// The file a font was parsed from, canonical.
+const std::string& soundFontPath(const SoundFont& font);
 
 // A MIDI decoder can change its fonts while it plays.
 class MidiDecoder : public Decoder {

@@ -173,8 +173,11 @@ ChannelHandle createChannel(const std::string& path, bool module) {
         midi ? fontRefs(e.fonts.defaults) : std::vector<SoundFontRef>{};
     auto channel =
         Channel::start(std::move(probed), !module, path, midi, std::move(fonts), e.decodeThreads);
-    if (midi)
+    if (midi) {
         channel->fonts = fontHandles(e.fonts.defaults);
+        if (!e.fonts.defaults.empty())
+            channel->fontPath = soundFontPath(*e.fonts.defaults.front().font);
+    }
     return installChannel(std::move(channel));
 }
 
@@ -397,6 +400,26 @@ bool channelSlideVolume(ChannelHandle handle, float target, int milliseconds) {
     });
 }
 
+bool channelSetGain(ChannelHandle handle, float decibels, int milliseconds) {
+    return withChannel(handle, false, [=](Channel& ch, Slot&) {
+        if (!std::isfinite(decibels))
+            return fail(EngineError::IllegalParam, false);
+        float factor = decibels == 0.0f ? 1.0f : std::pow(10.0f, decibels / 20.0f);
+        std::uint64_t now = ch.played.load(std::memory_order_acquire);
+        float from = now == 0 ? factor : ch.gain.load().at(now);
+        ch.gain.store(VolumeRamp{from, factor, now, now == 0 ? 0 : msToFrames(milliseconds)});
+        return succeed(true);
+    });
+}
+
+bool channelGetGain(ChannelHandle handle, float& decibels) {
+    return withChannel(handle, false, [&decibels](Channel& ch, Slot&) {
+        float factor = ch.gain.load().to;
+        decibels = factor == 1.0f ? 0.0f : 20.0f * std::log10(factor);
+        return succeed(true);
+    });
+}
+
 std::uint64_t channelGetLength(ChannelHandle handle) {
     return withChannel(handle, noPosition, [](Channel& ch, Slot&) {
         return succeed(ch.reader ? noPosition : toBytes(ch, ch.lengthFrames));
@@ -534,6 +557,7 @@ bool midiStreamSetFonts(ChannelHandle stream, const MidiFontRecord* records, int
             return fail(EngineError::IllegalType, false);
         ch.requestFonts(fontRefs(chosen)); // heard from the decoder's next chunk on
         ch.fonts = fontHandles(chosen);
+        ch.fontPath = chosen.empty() ? std::string() : soundFontPath(*chosen.front().font);
         return succeed(true);
     });
 }
@@ -554,6 +578,23 @@ int midiStreamGetFonts(ChannelHandle stream, MidiFontRecord* out, int count) {
         if (!ch.midi)
             return fail(EngineError::IllegalType, -1);
         return report(ch.fonts);
+    });
+}
+
+std::string midiStreamFontPath(ChannelHandle stream) {
+    if (stream == 0) {
+        Engine& e = engine();
+        std::lock_guard lock(e.lifecycle);
+        if (!e.initialized)
+            return fail(EngineError::Init, std::string());
+        if (e.fonts.defaults.empty())
+            return succeed(std::string());
+        return succeed(soundFontPath(*e.fonts.defaults.front().font));
+    }
+    return withChannel(stream, std::string(), [](Channel& ch, Slot&) {
+        if (!ch.midi)
+            return fail(EngineError::IllegalType, std::string());
+        return succeed(ch.fontPath);
     });
 }
 

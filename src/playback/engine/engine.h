@@ -84,6 +84,13 @@ bool musicFree(ChannelHandle handle);
 bool channelSetVolume(ChannelHandle handle, float volume);
 bool channelGetVolume(ChannelHandle handle, float& volume);
 bool channelSlideVolume(ChannelHandle handle, float target, int milliseconds);
+// The loudness levelling's gain, in dB, multiplied in front of the volume: channelGetVolume and the
+// slides report and move the volume alone. It moves over `milliseconds` (a short ramp by default,
+// so that no change clicks); a channel not heard yet takes it at once, so that a fade-in starts
+// at the right level. 0 dB is a factor of exactly 1.
+constexpr int gainRampMs = 50;
+bool channelSetGain(ChannelHandle handle, float decibels, int milliseconds = gainRampMs);
+bool channelGetGain(ChannelHandle handle, float& decibels);
 std::uint64_t channelGetLength(ChannelHandle handle);
 // What the listener has heard, not what the decoder read ahead.
 std::uint64_t channelGetPosition(ChannelHandle handle);
@@ -108,6 +115,9 @@ bool midiFontFree(FontHandle font);
 bool midiStreamSetFonts(ChannelHandle stream, const MidiFontRecord* fonts, int count);
 // The number of fonts set, with records filled when out is not null; -1 on failure.
 int midiStreamGetFonts(ChannelHandle stream, MidiFontRecord* out, int count);
+// The file of the stream's first font as last set (its canonical path), empty when it has none;
+// stream 0 names the first default font.
+std::string midiStreamFontPath(ChannelHandle stream);
 
 // --- For tests and benchmarks.
 // Mixes the next frames of the null output; waits for decoders, so the result is deterministic.

@@ -348,6 +348,10 @@ SoundFontRef loadHeldFont(const std::string& path, bool& noMemory) {
 
 } // namespace
 
+const std::string& soundFontPath(const SoundFont& font) {
+    return font.path();
+}
+
 SoundFontRef loadSoundFont(const std::string& path, EngineError& error) {
     prepareFluidSynth();
     int errorNumber = 0;

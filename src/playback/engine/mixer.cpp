@@ -51,7 +51,10 @@ void mixChannel(Channel& ch, float* out, std::size_t frames) {
         ch.primed.store(true, std::memory_order_relaxed);
     }
     const VolumeRamp ramp = ch.volume.load();
+    const VolumeRamp gain = ch.gain.load();
     std::uint64_t played = ch.played.load(std::memory_order_relaxed);
+    // Most blocks meet a gain at rest: one factor, and no second ramp to follow per frame.
+    const bool gainAtRest = played >= gain.start + gain.frames;
     std::uint64_t position = ch.position.load(std::memory_order_relaxed);
     std::uint64_t ringIndex = ch.ring.read();
     std::size_t count = std::min(ch.ring.available(), frames);
@@ -64,7 +67,7 @@ void mixChannel(Channel& ch, float* out, std::size_t frames) {
             ch.marksRead.fetch_add(1, std::memory_order_release);
             hasMark = nextMark(ch, mark);
         }
-        float volume = ramp.at(played + i);
+        float volume = ramp.at(played + i) * (gainAtRest ? gain.to : gain.at(played + i));
         out[2 * i] += ch.ring.left(i) * volume;
         out[2 * i + 1] += ch.ring.right(i) * volume;
         ++position;
