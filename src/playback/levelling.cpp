@@ -66,6 +66,10 @@ void level(PlaybackState& st, ChannelHandle handle, int milliseconds) {
     loudness.wake.notify_all();
 }
 
+std::string switchFile(const PlaybackState& st) {
+    return joinPath(st.dataDirectory, "/levelling.json");
+}
+
 } // namespace
 
 LevelGain gainOfRecord(const LoudnessRecord& record) {
@@ -112,8 +116,9 @@ void relevelAudible(PlaybackState& st) {
 
 void setLevelling(PlaybackState& st, bool on) {
     st.loudness.enabled = on;
-    if (!writeJsonFile(st.loudness.switchPath, nlohmann::json{{"enabled", on}}))
-        logErr("Failed to open %s for writing.\n", st.loudness.switchPath.c_str());
+    std::string file = switchFile(st);
+    if (!writeJsonFile(file, nlohmann::json{{"enabled", on}}))
+        logErr("Failed to open %s for writing.\n", file.c_str());
     logOut("Loudness levelling %s.\n", on ? "on" : "off");
     if (on) {
         level(st, audibleHandle(st), levellingMoveMs);
@@ -126,15 +131,15 @@ void setLevelling(PlaybackState& st, bool on) {
 }
 
 void loadLevellingSwitch(PlaybackState& st) {
-    st.loudness.switchPath = joinPath(st.dataDirectory, "/levelling.json");
-    std::optional<nlohmann::json> document = readJsonFile(st.loudness.switchPath);
+    std::string file = switchFile(st);
+    std::optional<nlohmann::json> document = readJsonFile(file);
     bool on = true;
     if (document) {
         auto it = document->find("enabled");
         if (document->is_object() && it != document->end() && it->is_boolean())
             on = it->get<bool>();
         else
-            setAsideDamaged(st.loudness.switchPath, "it holds no \"enabled\": true or false");
+            setAsideDamaged(file, "it holds no \"enabled\": true or false");
     }
     st.loudness.enabled = on;
 }

@@ -24,7 +24,6 @@ struct LoudnessJob {
 // user-interface thread, each under `lock` unless it says otherwise.
 struct LoudnessState {
     // --- The user-interface thread's alone.
-    std::string switchPath; // levelling.json
     // The thread runs at idle priority; a test that waits for its values asks for normal.
     bool idlePriority = true;
     // What the audible song was levelled by, for its log line and the tests.

@@ -18,6 +18,7 @@
 #include "util/textFormat.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -38,17 +39,29 @@ TEST(OptionDialogs, EveryControlStandsAtItsPlaceInsideItsWindow) {
         QRect box;
     };
     const Place places[] = {
-        {16, 4101, {25, 50, 565, 25}},   {16, 4102, {30, 90, 100, 25}},
-        {16, 4103, {180, 90, 120, 25}},  {16, 4104, {25, 170, 565, 25}},
-        {16, 4108, {30, 210, 100, 25}},  {16, 4112, {130, 210, 100, 25}},
-        {16, 4110, {25, 290, 565, 25}},  {16, 4109, {30, 330, 100, 25}},
-        {16, 4111, {130, 330, 100, 25}}, {16, 4106, {20, 390, 580, 200}},
-        {16, 4107, {10, 590, 100, 25}},  {16, 3007, {135, 590, 100, 25}},
-        {16, 4105, {260, 590, 150, 25}}, {10, 1015, {130, 80, 64, 20}},
-        {10, 1016, {194, 80, 16, 20}},   {10, 1100, {300, 75, 150, 30}},
-        {10, 3011, {20, 110, 200, 30}},  {10, 3007, {300, 110, 150, 30}},
-        {12, 3012, {350, 70, 160, 25}},  {12, 3007, {10, 240, 560, 35}},
-        {19, 8006, {10, 722, 670, 35}},  {9, 3007, {280, 187, 250, 30}},
+        {16, 4101, {25, 50, 565, 25}},
+        {16, 4102, {30, 90, 100, 25}},
+        {16, 4103, {180, 90, 120, 25}},
+        {16, 4104, {25, 170, 565, 25}},
+        {16, 4108, {30, 210, 100, 25}},
+        {16, 4112, {130, 210, 100, 25}},
+        {16, 4110, {25, 290, 565, 25}},
+        {16, 4109, {30, 330, 100, 25}},
+        {16, 4111, {130, 330, 100, 25}},
+        {16, 4106, {20, 390, 580, 200}},
+        {16, 4107, {10, 590, 100, 25}},
+        {16, 3007, {135, 590, 100, 25}},
+        {16, 4105, {260, 590, 150, 25}},
+        {10, 1015, {130, 80, 64, 20}},
+        {10, 1016, {194, 80, 16, 20}},
+        {10, 1100, {300, 75, 150, 30}},
+        {10, 3011, {20, 110, 200, 30}},
+        {10, 3007, {300, 110, 150, 30}},
+        {12, 3012, {350, 70, 160, 25}},
+        {12, 3007, {10, 240, 560, 35}},
+        {19, 8006, {10, 722, 670, 35}},
+        {9, 3007, {280, 187, 250, 30}},
+        {9, levellingCheckBoxId, {10, 190, 260, 24}},
     };
     for (const Place& place : places) {
         Dialog dialog(place.dialog);
@@ -110,6 +123,17 @@ TEST(RadioOptionDialog, ChangesAreStoredAtOnceButTheCrossfadeWaitsForTheClosing)
     dialog.st.rawMP3 = 0; // a scan resets a ratio while the dialog is open
     static_cast<QPushButton*>(dialog.control(3007))->click();
     EXPECT_EQ(std::tie(dialog.st.FADE_DURATION_MS, dialog.st.rawMP3), std::tuple(INT_MAX, 50));
+}
+
+TEST(RadioOptionDialog, TheLevellingBoxActsAtOnceAndKeepsItsOwnFile) {
+    Dialog dialog(9);
+    auto* level = static_cast<QCheckBox*>(dialog.control(levellingCheckBoxId));
+    EXPECT_EQ(level->text(), "Level loudness (EBU R128)");
+    EXPECT_TRUE(level->isChecked());
+    level->click();
+    EXPECT_FALSE(dialog.st.loudness.enabled);
+    EXPECT_EQ(TempDir::read(std::filesystem::path(dialog.st.dataDirectory) / "levelling.json"),
+              "{\n    \"enabled\": false\n}");
 }
 
 TEST(AboutDialog, PaintsItsTwoTextsAndItsButtonsOpenTheMakersPages) {

@@ -1,6 +1,8 @@
 #include "media/moduleWriter.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <random>
@@ -33,7 +35,7 @@ struct Cell {
 
 // Seeded notes: channel 0 strikes every fourth row, every channel strikes on about half the rows,
 // each with its own volume, so that any stretch of the song differs from its neighbours.
-std::vector<Cell> composePattern(int rows, int channels, std::mt19937& rng) {
+std::vector<Cell> composePattern(int rows, int channels, double volume, std::mt19937& rng) {
     std::vector<Cell> cells(static_cast<std::size_t>(rows * channels));
     for (int row = 0; row < rows; ++row) {
         for (int channel = 0; channel < channels; ++channel) {
@@ -44,7 +46,8 @@ std::vector<Cell> composePattern(int rows, int channels, std::mt19937& rng) {
             cell.step = static_cast<int>(12 * (rng() % 3) + pentatonic[rng() % 5]);
             cell.wave = static_cast<int>(rng() % waveCount);
             cell.effect = effectSetVolume;
-            cell.param = static_cast<int>(16 + rng() % 49);
+            int loudest = static_cast<int>(16 + rng() % 49);
+            cell.param = std::max(1, static_cast<int>(std::lround(loudest * volume)));
         }
     }
     return cells;
@@ -159,7 +162,7 @@ std::optional<double> writeMod(const std::string& path, const TrackerSong& song)
     out += *tag;
     std::mt19937 rng(song.seed);
     for (int pattern = 0; pattern < song.patterns; ++pattern) {
-        std::vector<Cell> cells = composePattern(modRows, song.channels, rng);
+        std::vector<Cell> cells = composePattern(modRows, song.channels, song.volume, rng);
         for (int row = 0; row < modRows; ++row)
             for (int channel = 0; channel < song.channels; ++channel)
                 putModCell(out, cells[static_cast<std::size_t>(row * song.channels + channel)],
@@ -248,7 +251,7 @@ std::optional<double> writeXm(const std::string& path, const TrackerSong& song) 
     putXmHeader(out, song);
     std::mt19937 rng(song.seed);
     for (int pattern = 0; pattern < song.patterns; ++pattern)
-        putXmPattern(out, composePattern(song.rowsPerPattern, song.channels, rng),
+        putXmPattern(out, composePattern(song.rowsPerPattern, song.channels, song.volume, rng),
                      song.rowsPerPattern);
     putXmInstrument(out);
     if (!writeBytes(path, out))

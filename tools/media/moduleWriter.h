@@ -14,6 +14,7 @@ struct TrackerSong {
     int speed = 6;           // ticks per row, 1..31
     int bpm = 125;           // 32..255
     std::uint32_t seed = 1;  // chooses the notes
+    double volume = 1.0;     // scales the volume of every note, (0, 1]
 };
 
 // Each writes the file and returns its true length in seconds, or nothing if the song does not fit
