@@ -1,6 +1,7 @@
 #include "library/cache.h"
 
 #include "library/libraryState.h"
+#include "util/jsonEvents.h"
 #include "util/jsonFile.h"
 #include "util/log.h"
 #include "util/utf8.h"
@@ -21,20 +22,11 @@ struct Damage {
 // Reads the cache as the parser walks it, into the playlists themselves: a library of 100,000
 // songs would otherwise first become a document several times its own size. A playlist or song
 // is kept at the end of its object, whole, or counted as damage.
-class CacheReader : public nlohmann::json_sax<Json> {
+class CacheReader : public ScalarJsonEvents {
   public:
     std::vector<Playlist> playlists;
     Damage damage;
     std::string rootProblem;
-
-    bool null() override { return scalar(Json()); }
-    bool boolean(bool value) override { return scalar(Json(value)); }
-    bool number_integer(number_integer_t value) override { return scalar(Json(value)); }
-    bool number_unsigned(number_unsigned_t value) override { return scalar(Json(value)); }
-    bool number_float(number_float_t value, const string_t&) override {
-        return scalar(Json(value));
-    }
-    bool binary(binary_t&) override { return scalar(Json()); }
 
     bool string(string_t& value) override {
         if (skipping_ > 0)
@@ -267,7 +259,7 @@ class CacheReader : public nlohmann::json_sax<Json> {
         }
     }
 
-    bool scalar(const Json& value) {
+    bool scalar(const Json& value) override {
         if (skipping_ > 0)
             return true;
         if (skipNext_) {

@@ -1,5 +1,6 @@
 #include "playback/loudnessCache.h"
 
+#include "util/jsonEvents.h"
 #include "util/jsonFile.h"
 #include "util/log.h"
 #include "util/utf8.h"
@@ -82,20 +83,12 @@ std::optional<LoudnessRecord> recordOf(const Json& entry) {
 // Reads {"format": 1, "songs": [{...}, ...]} as the parser walks it: each value is a small flat
 // object, built alone and turned into a record at its end, so that a cache of many songs never
 // becomes one large document.
-class CacheReader : public nlohmann::json_sax<Json> {
+class CacheReader : public ScalarJsonEvents {
   public:
     LoudnessTable table;
     std::string problem; // empty while the file is sound
 
-    bool null() override { return scalar(Json()); }
-    bool boolean(bool value) override { return scalar(Json(value)); }
-    bool number_integer(number_integer_t value) override { return scalar(Json(value)); }
-    bool number_unsigned(number_unsigned_t value) override { return scalar(Json(value)); }
-    bool number_float(number_float_t value, const string_t&) override {
-        return scalar(Json(value));
-    }
     bool string(string_t& value) override { return scalar(Json(value)); }
-    bool binary(binary_t&) override { return scalar(Json()); }
 
     bool start_object(std::size_t) override {
         if (skipping_ == 0 && depth_ == 0) {
@@ -166,7 +159,7 @@ class CacheReader : public nlohmann::json_sax<Json> {
     }
 
   private:
-    bool scalar(Json value) {
+    bool scalar(const Json& value) override {
         if (skipping_ > 0)
             return true;
         if (depth_ == 0)
@@ -174,7 +167,7 @@ class CacheReader : public nlohmann::json_sax<Json> {
         else if (depth_ == 2)
             damaged("a value is not an object");
         else if (depth_ == 3)
-            entry_[key_] = std::move(value);
+            entry_[key_] = value;
         else if (std::exchange(inSongs_, false))
             damaged("its songs are not a list");
         return true;

@@ -23,6 +23,23 @@ struct LoudnessJob {
 // The loudness levelling: the switch, and the measuring thread with what it shares with the
 // user-interface thread, each under `lock` unless it says otherwise.
 struct LoudnessState {
+    LoudnessState() = default;
+    LoudnessState(const LoudnessState&) = delete;
+    LoudnessState& operator=(const LoudnessState&) = delete;
+    // A state that goes without the shutdown's end of the thread (a test, an early exit) still
+    // ends it, abandoning its song and saving nothing.
+    ~LoudnessState() {
+        if (!worker.joinable())
+            return;
+        {
+            std::lock_guard guard(lock);
+            quit = true;
+            stop = true;
+        }
+        wake.notify_all();
+        worker.join();
+    }
+
     // --- The user-interface thread's alone.
     // The thread runs at idle priority; a test that waits for its values asks for normal.
     bool idlePriority = true;
