@@ -1,5 +1,6 @@
 #include "playback/levelling.h"
 
+#include "core/audioStart.h"
 #include "core/transport.h"
 #include "media/process.h"
 #include "playback/loudnessWorker.h"
@@ -250,6 +251,31 @@ TEST_F(Levelling, TheGainIsNeverWhatTheUserSeesAndOffSoundsExactlyAsWithoutIt) {
     channelSetGain(audibleHandle(st), 12.0f);
     setLevelling(st, false);
     EXPECT_EQ(advance(500), plain);
+}
+
+TEST_F(Levelling, AFontStepByHandMovesTheMidiSongToItsNewPairsValue) {
+    media::MidiSong band = media::bandSong(6.0);
+    for (media::MidiNote& note : band.notes)
+        note.velocity = std::max(1, note.velocity / 5);
+    media::writeMidi(path("soft.mid"), band);
+    addPlaylists({path("soft.mid")});
+    measureLibrary();
+    transition(0, 100);
+    float measured = 0.0f;
+    ASSERT_TRUE(channelGetGain(audibleHandle(st), measured));
+    EXPECT_GT(measured, 20.0f);
+
+    // The same font under another name: a pair never measured, so first no gain, then its own.
+    fs::copy_file(timidityFont, path("copy.sf2"));
+    st.soundFonts = {timidityFont, path("copy.sf2")};
+    st.currentSoundFont = 0;
+    stepSoundFont(st, 1);
+    ASSERT_TRUE(waitForLoudness(st, std::chrono::steady_clock::now() + Seconds(120)));
+    EXPECT_EQ(st.loudness.onAir->fontPath, midiStreamFontPath(audibleHandle(st)));
+    EXPECT_EQ(st.loudness.values.size(), 2u);
+    float moved = 0.0f;
+    ASSERT_TRUE(channelGetGain(audibleHandle(st), moved));
+    EXPECT_NEAR(moved, measured, 0.5f);
 }
 
 TEST_F(Levelling, TheCacheSparesEveryMeasurementItStillHolds) {
