@@ -56,21 +56,22 @@ inline const CrashWhenAsked crashWhenAsked;
 
 // The player logs every load to its standard output; while this lives that goes to a file, as
 // when the player runs with its output redirected, and the figure's rows stay apart from it.
+// With STDERR_FILENO it catches what a command started meanwhile writes to its error stream.
 class OutputToFile {
   public:
-    explicit OutputToFile(const std::string& path) {
-        std::fflush(stdout);
-        saved_ = dup(STDOUT_FILENO);
+    explicit OutputToFile(const std::string& path, int stream = STDOUT_FILENO) : stream_(stream) {
+        std::fflush(nullptr);
+        saved_ = dup(stream_);
         int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
         if (file >= 0) {
-            dup2(file, STDOUT_FILENO);
+            dup2(file, stream_);
             close(file);
         }
     }
     ~OutputToFile() {
-        std::fflush(stdout);
+        std::fflush(nullptr);
         if (saved_ >= 0) {
-            dup2(saved_, STDOUT_FILENO);
+            dup2(saved_, stream_);
             close(saved_);
         }
     }
@@ -78,6 +79,7 @@ class OutputToFile {
     OutputToFile& operator=(const OutputToFile&) = delete;
 
   private:
+    int stream_;
     int saved_ = -1;
 };
 
