@@ -8,6 +8,7 @@
 #include "library/rebuild.h"
 #include "library/scan.h"
 #include "playback/audioSetup.h"
+#include "playback/loudnessWorker.h"
 #include "settings/musicSettings.h"
 #include "util/paths.h"
 
@@ -30,6 +31,7 @@ void rescanKeepingFavorites(PlayerState& st, bool readOlderFile) {
     // zeroed for a library that has none yet.
     recountLibrary(st);
     saveLibraryCache(st);
+    queueLibraryForLoudness(st);
 }
 
 } // namespace

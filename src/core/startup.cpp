@@ -187,6 +187,7 @@ void runStartupSequence(PlayerState& st) {
         st.historyEnd = st.historyPosition = static_cast<int>(st.songHistory.size());
     }
     startPlayback(st);
+    queueLibraryForLoudness(st); // after the first song: the sweep waits, the listener does not
     if (!st.marbleTunnelPath.empty())
         exportForGame(st);
 }

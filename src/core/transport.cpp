@@ -10,7 +10,6 @@
 #include "playback/fadeWorker.h"
 #include "playback/levelling.h"
 #include "playback/loading.h"
-#include "playback/loudnessWorker.h"
 #include "playback/slots.h"
 #include "playback/soundfonts.h"
 #include "radio/segments.h"
@@ -100,7 +99,6 @@ void startPlayback(PlayerState& st) {
         }
         armStationRetry(st, handle);
     }
-    queueLibraryForLoudness(st); // a start follows every new library
     host::notifyPlayerChanged(host::PlayerChange::Song);
 }
 

@@ -326,16 +326,8 @@ std::vector<Playlist> loadLibraryCache(LibraryState& st) {
 
 namespace {
 
-// One "KEY": VALUE line of an object at the given indent, in the layout of every other file.
-void appendKey(std::string& out, int indent, const char* key) {
-    out.append(static_cast<std::size_t>(indent), ' ');
-    out += '"';
-    out += key;
-    out += "\": ";
-}
-
 void appendNumber(std::string& out, int indent, const char* key, int value, bool last = false) {
-    appendKey(out, indent, key);
+    appendJsonKey(out, indent, key);
     out += std::to_string(value);
     out += last ? "\n" : ",\n";
 }
@@ -353,7 +345,7 @@ void writeLibraryCache(const LibraryState& st) {
     for (const Playlist& playlist : st.playlists) {
         text += text.empty() ? "{\n    \"playlists\": [\n" : ",\n";
         text += "        {\n";
-        appendKey(text, 12, "albumName");
+        appendJsonKey(text, 12, "albumName");
         appendJsonString(text, playlist.albumName);
         text += ",\n";
         appendNumber(text, 12, "favoriteCount", playlist.favoriteCount);
@@ -379,7 +371,7 @@ void writeLibraryCache(const LibraryState& st) {
             appendNumber(text, 20, "isFavorite", song.isFavorite);
             appendNumber(text, 20, "musicType", song.musicType);
             appendNumber(text, 20, "playCount", song.playCount);
-            appendKey(text, 20, "songPath");
+            appendJsonKey(text, 20, "songPath");
             appendUtf8JsonString(text, song.songPath);
             text += "\n                }";
         }

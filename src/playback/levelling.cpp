@@ -15,6 +15,22 @@
 
 namespace {
 
+// A song without a value of its own: the median gain of the measured songs of its font (MIDI)
+// or family.
+LevelGain provisionalGain(const LoudnessTable& values, const LoudnessJob& job) {
+    std::vector<double> gains;
+    for (const auto& [key, record] : values)
+        if (record.result == LoudnessResult::Measured && record.family == job.family &&
+            record.fontPath == job.fontPath)
+            gains.push_back(gainOfRecord(record).decibels);
+    if (gains.empty())
+        return LevelGain{};
+    auto middle = gains.begin() + static_cast<std::ptrdiff_t>(gains.size() / 2);
+    std::nth_element(gains.begin(), middle, gains.end());
+    // Without its own true peak, raising a song could make it clip: only ever lowered.
+    return LevelGain{std::min(*middle, 0.0), false, false};
+}
+
 // What plays now, as the measuring thread names it; no family for a station.
 LoudnessJob jobOfAudible(const PlaybackState& st, ChannelHandle handle) {
     if (st.onStation || handle == 0)
@@ -51,10 +67,9 @@ void level(PlaybackState& st, ChannelHandle handle, int milliseconds) {
         return;
     }
     const LoudnessRecord* record = currentRecord(loudness.values, job);
-    LevelGain gain = levelFor(loudness.values, job);
+    LevelGain gain = record ? gainOfRecord(*record) : provisionalGain(loudness.values, job);
     if (loudness.enabled) {
         channelSetGain(handle, static_cast<float>(gain.decibels), milliseconds);
-        loudness.appliedGainDb = gain.decibels;
         logGain(gain, record, job.songPath);
     }
     if (!job.fontPath.empty())
@@ -90,19 +105,8 @@ const LoudnessRecord* currentRecord(const LoudnessTable& values, const LoudnessJ
 }
 
 LevelGain levelFor(const LoudnessTable& values, const LoudnessJob& job) {
-    if (const LoudnessRecord* record = currentRecord(values, job))
-        return gainOfRecord(*record);
-    std::vector<double> gains;
-    for (const auto& [key, record] : values)
-        if (record.result == LoudnessResult::Measured && record.family == job.family &&
-            record.fontPath == job.fontPath)
-            gains.push_back(gainOfRecord(record).decibels);
-    if (gains.empty())
-        return LevelGain{};
-    auto middle = gains.begin() + static_cast<std::ptrdiff_t>(gains.size() / 2);
-    std::nth_element(gains.begin(), middle, gains.end());
-    // Without its own true peak, raising a song could make it clip: only ever lowered.
-    return LevelGain{std::min(*middle, 0.0), false, false};
+    const LoudnessRecord* record = currentRecord(values, job);
+    return record ? gainOfRecord(*record) : provisionalGain(values, job);
 }
 
 void levelIncoming(PlaybackState& st, ChannelHandle handle) {
@@ -127,7 +131,6 @@ void setLevelling(PlaybackState& st, bool on) {
     for (Slot slot : {Slot::Main, Slot::Next})
         for (ChannelHandle handle : slotChannels(st, slot))
             channelSetGain(handle, 0.0f);
-    st.loudness.appliedGainDb = 0.0;
 }
 
 void loadLevellingSwitch(PlaybackState& st) {

@@ -184,30 +184,23 @@ class CacheReader : public ScalarJsonEvents {
     Json entry_;
 };
 
-void appendNumberLine(std::string& out, const char* key, const char* format, double value) {
-    char number[48];
-    std::snprintf(number, sizeof number, format, value);
-    out += "            \"";
-    out += key;
-    out += "\": ";
-    out += number;
-    out += ",\n";
-}
-
-void appendInteger(std::string& out, const char* key, std::int64_t value) {
-    out += "            \"";
-    out += key;
-    out += "\": ";
-    out += std::to_string(value);
-    out += ",\n";
-}
-
-void appendText(std::string& out, const char* key, const std::string& value, bool last = false) {
-    out += "            \"";
-    out += key;
-    out += "\": ";
-    appendUtf8JsonString(out, value);
+// One "KEY": VALUE line of a value, its comma unless it is the last.
+void appendLine(std::string& out, const char* key, const std::string& value, bool last = false) {
+    appendJsonKey(out, 12, key);
+    out += value;
     out += last ? "\n" : ",\n";
+}
+
+std::string decibels(double value) {
+    char number[48];
+    std::snprintf(number, sizeof number, "%.2f", value);
+    return number;
+}
+
+std::string quoted(const std::string& text) {
+    std::string out;
+    appendUtf8JsonString(out, text);
+    return out;
 }
 
 // The value while its files are as they were measured: a song changed since must be measured
@@ -255,25 +248,21 @@ bool saveLoudnessCache(const std::string& path, const LoudnessTable& table) {
             continue;
         text += first ? "\n        {\n" : ",\n        {\n";
         first = false;
-        appendInteger(text, "family", record.family);
+        const bool measured = record.result == LoudnessResult::Measured;
+        appendLine(text, "family", std::to_string(record.family));
         if (record.family == musicTypeMidi) {
-            appendText(text, "font", record.fontPath);
-            appendInteger(text, "fontMtime", record.font.mtimeNs);
-            appendInteger(text, "fontSize", record.font.size);
+            appendLine(text, "font", quoted(record.fontPath));
+            appendLine(text, "fontMtime", std::to_string(record.font.mtimeNs));
+            appendLine(text, "fontSize", std::to_string(record.font.size));
         }
-        if (record.result == LoudnessResult::Measured)
-            appendNumberLine(text, "lufs", "%.2f", record.lufs);
-        appendInteger(text, "mtime", record.song.mtimeNs);
-        appendText(text, "path", record.songPath);
-        appendText(text, "result", resultName(record.result));
-        if (record.result == LoudnessResult::Measured) {
-            appendInteger(text, "size", record.song.size);
-            appendNumberLine(text, "truePeak", "%.2f", record.truePeakDb);
-            text.resize(text.size() - 2); // the last key has no comma
-            text += "\n";
-        } else {
-            text += "            \"size\": " + std::to_string(record.song.size) + "\n";
-        }
+        if (measured)
+            appendLine(text, "lufs", decibels(record.lufs));
+        appendLine(text, "mtime", std::to_string(record.song.mtimeNs));
+        appendLine(text, "path", quoted(record.songPath));
+        appendLine(text, "result", quoted(resultName(record.result)));
+        appendLine(text, "size", std::to_string(record.song.size), !measured);
+        if (measured)
+            appendLine(text, "truePeak", decibels(record.truePeakDb), true);
         text += "        }";
     }
     text += first ? "]\n}" : "\n    ]\n}";

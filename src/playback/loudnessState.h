@@ -28,23 +28,11 @@ struct LoudnessState {
     LoudnessState& operator=(const LoudnessState&) = delete;
     // A state that goes without the shutdown's end of the thread (a test, an early exit) still
     // ends it, abandoning its song and saving nothing.
-    ~LoudnessState() {
-        if (!worker.joinable())
-            return;
-        {
-            std::lock_guard guard(lock);
-            quit = true;
-            stop = true;
-        }
-        wake.notify_all();
-        worker.join();
-    }
+    ~LoudnessState();
 
     // --- The user-interface thread's alone.
     // The thread runs at idle priority; a test that waits for its values asks for normal.
     bool idlePriority = true;
-    // What the audible song was levelled by, for its log line and the tests.
-    double appliedGainDb = 0.0;
 
     // --- Shared. The thread alone writes `values`, under the lock; it reads them without.
     std::atomic<bool> enabled{true}; // written by the user-interface thread alone
@@ -62,7 +50,6 @@ struct LoudnessState {
     bool onAirLevelled = false; // its gain is its own measured value already
     bool onAirPending = false;  // to be measured first (taken once, even when it fails)
     bool measuring = false;     // a song is being measured now
-    int unsaved = 0;            // values since the last save
     bool quit = false;
     std::atomic<bool> stop{false}; // abandons the measurement in progress
     std::thread worker;

@@ -95,23 +95,24 @@ void moveOnAir(LoudnessState& loudness, const std::string& key) {
            loudness.onAir->songPath.c_str());
 }
 
-void measureOne(LoudnessState& loudness, LoudnessMeter& meter, const LoudnessJob& job) {
+// True when it added a value.
+bool measureOne(LoudnessState& loudness, LoudnessMeter& meter, const LoudnessJob& job) {
     if (isMeasured(loudness, job))
-        return;
+        return false;
     std::optional<FileStamp> song = stampOf(job.songPath);
     std::optional<FileStamp> font = job.fontPath.empty() ? FileStamp{} : stampOf(job.fontPath);
     if (!song || !font)
-        return; // gone: nothing to keep
+        return false; // gone: nothing to keep
     LoudnessFigures figures =
         meter.measure(job.songPath, job.family == musicTypeTracker, job.fontPath, loudness.stop);
     if (figures.outcome == LoudnessOutcome::Stopped)
-        return;
+        return false;
     LoudnessRecord record = recordOf(job, *song, *font, figures);
     std::string key = loudnessKey(job.songPath, job.fontPath);
     std::lock_guard lock(loudness.lock);
     loudness.values[key] = std::move(record);
-    ++loudness.unsaved;
     moveOnAir(loudness, key);
+    return true;
 }
 
 void run(LoudnessState& loudness, bool idlePriority) {
@@ -127,6 +128,7 @@ void run(LoudnessState& loudness, bool idlePriority) {
         loudness.wake.notify_all();
     }
     LoudnessMeter meter;
+    std::size_t unsaved = 0; // values since the last save
     for (;;) {
         std::optional<LoudnessJob> job;
         {
@@ -136,19 +138,32 @@ void run(LoudnessState& loudness, bool idlePriority) {
         }
         if (!job)
             return;
-        measureOne(loudness, meter, *job);
+        unsaved += measureOne(loudness, meter, *job) ? 1 : 0;
         {
             std::lock_guard lock(loudness.lock);
             loudness.measuring = false;
             loudness.wake.notify_all(); // a test waiting for the thread to be idle
         }
         // The thread alone writes the values, so it reads them for the save without the lock.
-        if (static_cast<std::size_t>(loudness.unsaved) >= saveInterval(loudness.values.size())) {
+        if (unsaved >= saveInterval(loudness.values.size())) {
             saveLoudnessCache(loudness.cachePath, loudness.values);
-            std::lock_guard lock(loudness.lock);
-            loudness.unsaved = 0;
+            unsaved = 0;
         }
     }
+}
+
+// Abandons the song being measured and joins the thread; false when none runs.
+bool joinWorker(LoudnessState& loudness) {
+    if (!loudness.worker.joinable())
+        return false;
+    {
+        std::lock_guard lock(loudness.lock);
+        loudness.quit = true;
+        loudness.stop = true;
+        loudness.wake.notify_all();
+    }
+    loudness.worker.join();
+    return true;
 }
 
 } // namespace
@@ -179,17 +194,14 @@ void queueLibraryForLoudness(PlaybackState& st) {
     st.loudness.wake.notify_all();
 }
 
+LoudnessState::~LoudnessState() {
+    joinWorker(*this);
+}
+
 void endLoudnessWorker(PlaybackState& st) {
     LoudnessState& loudness = st.loudness;
-    if (!loudness.worker.joinable())
+    if (!joinWorker(loudness))
         return;
-    {
-        std::lock_guard lock(loudness.lock);
-        loudness.quit = true;
-        loudness.stop = true;
-        loudness.wake.notify_all();
-    }
-    loudness.worker.join();
     if (loudness.cacheLoaded)
         saveLoudnessCache(loudness.cachePath, loudness.values);
 }

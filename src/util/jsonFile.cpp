@@ -179,3 +179,10 @@ bool readJsonInt(const nlohmann::json& value, int& out) {
     }
     return true;
 }
+
+void appendJsonKey(std::string& out, int indent, const char* key) {
+    out.append(static_cast<std::size_t>(indent), ' ');
+    out += '"';
+    out += key;
+    out += "\": ";
+}

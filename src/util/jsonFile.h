@@ -40,6 +40,8 @@ bool writeJsonText(const std::string& path, const std::string& text);
 void appendJsonString(std::string& out, std::string_view text);
 // The same for text already known to be valid UTF-8, which is not checked again.
 void appendUtf8JsonString(std::string& out, std::string_view text);
+// The start of one "KEY": VALUE line of an object at the given indent, in the layout above.
+void appendJsonKey(std::string& out, int indent, const char* key);
 
 // An integer field of a file: any JSON number, cut toward zero, or a boolean as 0 or 1. A number
 // past the 32-bit range, or another type, is refused and leaves out untouched.
