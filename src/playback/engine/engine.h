@@ -107,7 +107,7 @@ const char* channelGetTags(ChannelHandle handle, TagKind kind);
 
 // --- MIDI.
 // A file already open shares its parsed font with the new handle, so a reopen costs nothing;
-// the four fonts opened last stay parsed after their last handle went.
+// the four fonts opened last stay parsed after their last handle went. A file deleted since fails.
 FontHandle midiFontInit(const std::string& path);
 // The handle goes; the streams and the default list that name it keep the font.
 bool midiFontFree(FontHandle font);
