@@ -97,7 +97,7 @@ void startPlayback(PlayerState& st) {
             fadeInFirstSong(st, handle);
             setSegment(st, handle);
         }
-        armStationRetry(st, handle);
+        armLoadRetry(st, handle);
     }
     host::notifyPlayerChanged(host::PlayerChange::Song);
 }
@@ -119,7 +119,7 @@ void startTransition(PlayerState& st) {
             stopAllStreams(st); // a change during a fade cuts hard
         ChannelHandle handle = startIncoming(st, ref);
         setSegment(st, handle); // after the start of play: the jump comes once it plays
-        armStationRetry(st, handle);
+        armLoadRetry(st, handle);
         fadeInIncoming(st, handle);
         if (st.fadeWorkerRunning == 0)
             startFadeWorker(st);
@@ -180,7 +180,7 @@ void previousSong(PlayerState& st) {
 
 void afterRepaintTest(PlayerState& st) {
     noteStationEnd(st);
-    if (segmentEndDue(st) || stationRetryDue(st))
+    if (segmentEndDue(st) || loadRetryDue(st))
         startTransition(st);
 }
 

@@ -37,9 +37,9 @@ struct RadioState : PlaybackState {
     int modeSongIndex = 0;
     int historyNavigation = historyWalkOff;
     bool firstFamilyPick = true;
-    // A station that failed to load in a radio mode: when the radio moves on (player clock, ms);
-    // -1 when none waits.
-    std::int64_t stationRetryAtMs = -1;
+    // A load that failed in a radio mode, or a station that ended: when the radio moves on
+    // (player clock, ms); -1 when none waits.
+    std::int64_t loadRetryAtMs = -1;
     bool firstSongPick = true;
     bool firstPlainPick = true;
     bool hasMusicFolders = true;

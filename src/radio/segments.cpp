@@ -1,5 +1,6 @@
 #include "radio/segments.h"
 
+#include "library/model.h"
 #include "playback/engine/engine.h"
 #include "playback/fadeWorker.h"
 #include "playback/slots.h"
@@ -89,33 +90,40 @@ bool segmentEndDue(const RadioState& st) {
     return segmentOver || songOver;
 }
 
-void armStationRetry(RadioState& st, ChannelHandle handle) {
-    if (!st.onStation || handle != 0 || !inRadioMode(st)) {
-        st.stationRetryAtMs = -1;
+void armLoadRetry(RadioState& st, ChannelHandle handle) {
+    const Song* song = st.onStation ? nullptr : findSong(st, {st.playingPlaylist, st.playingSong});
+    // Without audio every load fails alike, and moving on would only count plays.
+    if (handle != 0 || !inRadioMode(st) || !engineIsInitialized() || (!st.onStation && !song)) {
+        st.loadRetryAtMs = -1;
         return;
     }
-    st.stationRetryAtMs = playerClockMs(st) + stationRetryDelayMs;
+    st.loadRetryAtMs = playerClockMs(st) + loadRetryDelayMs;
+    const long long seconds = loadRetryDelayMs / 1000;
+    if (song) {
+        logOut("Song %s did not load: the radio moves on in %lld seconds.\n",
+               song->songPath.c_str(), seconds);
+        return;
+    }
     const bool known =
         st.currentStation >= 0 && st.currentStation < static_cast<int>(st.radioStations.size());
     logOut("Station %s did not load: the radio moves on in %lld seconds.\n",
-           known ? st.radioStations[st.currentStation].url.c_str() : "(none)",
-           static_cast<long long>(stationRetryDelayMs / 1000));
+           known ? st.radioStations[st.currentStation].url.c_str() : "(none)", seconds);
 }
 
 void noteStationEnd(RadioState& st) {
-    if (!st.onStation || !inRadioMode(st) || st.stationRetryAtMs >= 0 || st.activeHandle == 0 ||
+    if (!st.onStation || !inRadioMode(st) || st.loadRetryAtMs >= 0 || st.activeHandle == 0 ||
         channelIsActive(st.activeHandle) != ChannelState::Stopped)
         return;
     const double left = std::max(0.0, st.segmentEnd - st.positionSeconds);
-    st.stationRetryAtMs = playerClockMs(st) + static_cast<std::int64_t>(left * 1000.0);
+    st.loadRetryAtMs = playerClockMs(st) + static_cast<std::int64_t>(left * 1000.0);
     logOut("The station has ended: the radio moves on at the end of its segment, in %.0f "
            "seconds.\n",
            left);
 }
 
-bool stationRetryDue(RadioState& st) {
-    if (st.stationRetryAtMs < 0 || playerClockMs(st) < st.stationRetryAtMs)
+bool loadRetryDue(RadioState& st) {
+    if (st.loadRetryAtMs < 0 || playerClockMs(st) < st.loadRetryAtMs)
         return false;
-    st.stationRetryAtMs = -1;
+    st.loadRetryAtMs = -1;
     return true;
 }

@@ -30,16 +30,17 @@ void setTrackerSegment(RadioState& st, ChannelHandle handle);
 void refreshPosition(RadioState& st);
 // Whether the next transition is due now.
 bool segmentEndDue(const RadioState& st);
-// After a load: a station that failed in a radio mode (not a chosen playlist or station) makes
-// the radio move on after stationRetryDelayMs, so that a dead address in the list cannot silence
-// a radio that runs unattended. Any other load clears the wait.
-constexpr std::int64_t stationRetryDelayMs = 3000;
-void armStationRetry(RadioState& st, ChannelHandle handle);
+// After a load: a station or a song that failed in a radio mode (not a chosen playlist or
+// station) makes the radio move on after loadRetryDelayMs, so that a dead address in the list or
+// a song file deleted since the scan cannot silence a radio that runs unattended. Any other load
+// clears the wait.
+constexpr std::int64_t loadRetryDelayMs = 3000;
+void armLoadRetry(RadioState& st, ChannelHandle handle);
 // A station whose stream ended while it played in a radio mode: its position stands still, so
 // the radio moves on by the clock when the segment would have ended.
 void noteStationEnd(RadioState& st);
-// True once, when the wait of a failed or ended station is over.
-bool stationRetryDue(RadioState& st);
+// True once, when the wait of a failed load or an ended station is over.
+bool loadRetryDue(RadioState& st);
 
 template <typename Draw> Segment chooseSegment(const SegmentInput& in, Draw&& nextU) {
     const double length = in.lengthSeconds;

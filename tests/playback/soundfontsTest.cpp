@@ -145,6 +145,27 @@ TEST_F(Fonts, HandStepsWrapAndRefuseWhatTheyCannotLoad) {
     EXPECT_EQ(platform.boxes[1].text, "No soundfont files found.");
 }
 
+// Fonts deleted while the player runs: a hand step fails with its box and the rotation with its
+// line, though their parses are still at hand; the songs play on with the fonts in memory, also
+// through a seek, for which FluidSynth reads samples again.
+TEST_F(Fonts, DeletedFontsFailTheNextHandStepAndRotationWhileTheSongsPlayOn) {
+    play("m");
+    logOf([&] {
+        stepSoundFont(st, 1); // both fonts parsed
+        stepSoundFont(st, 1);
+        std::filesystem::remove_all(path("fonts"));
+        stepSoundFont(st, 1);
+    });
+    ASSERT_EQ(platform.boxes.size(), 1u);
+    EXPECT_EQ(platform.boxes[0].text, "Failed to load the selected soundfont.");
+    channelSetPosition(incoming(), 0);
+    EXPECT_GT(peak(advance(1000)), 0.01f);
+    st.songsBeforeSoundfontChange = 1;
+    std::string log = play("m");
+    EXPECT_EQ(countOf(log, "Error loading sound font from " + path("fonts/")), 1) << log;
+    EXPECT_GT(peak(advance(1000)), 0.01f);
+}
+
 // A slot whose stream refuses its new font recovers once the transition has let go of
 // streamMutex: the Next slot by a rescan, the main slot by a restart of the audio.
 TEST_F(Fonts, AFontTheStreamRefusesIsRecoveredWithoutDeadlock) {

@@ -7,6 +7,7 @@
 #include "playback/radioFixture.h"
 #include "support/recordingCanvas.h"
 
+#include <filesystem>
 #include <tuple>
 
 namespace {
@@ -99,6 +100,32 @@ TEST_F(Walks, AWindowWithoutPaintsStillMovesOnFromTheTick) {
     EXPECT_EQ(st.songHistory.size(), 1u);
     onTimer(st, 1); // none came: the tick runs the end test itself
     EXPECT_EQ(st.songHistory.size(), 2u);
+}
+
+// A song file deleted after the scan fails its load with its line; in a radio mode the radio moves
+// on 3 s later, as after a station that fails, while one playlist stays silent until the user acts.
+TEST_F(Walks, ASongDeletedAfterTheScanIsLeftAfterThreeSecondsInTheRadioModesOnly) {
+    st.rawRadio = 0;
+    const std::string gone = st.playlists[0].songs[0].songPath;
+    std::filesystem::remove(gone);
+    auto tickMovesOn = [&] {
+        return logOf([&] { onTimer(st, 1); }).find("Loading") != std::string::npos;
+    };
+    for (int mode : {stationModeRadio, stationModePlaylist}) {
+        SCOPED_TRACE(mode);
+        st.stationMode = mode;
+        std::string log = logOf([&] { transition(0); });
+        EXPECT_NE(log.find("Error creating musicStream"), std::string::npos) << log;
+        const bool movesOn = mode == stationModeRadio;
+        const std::string line = "Song " + gone + " did not load: the radio moves on in 3 seconds.";
+        EXPECT_EQ(log.find(line) != std::string::npos, movesOn) << log;
+        advance(2700); // 2.9 s after the load
+        EXPECT_FALSE(tickMovesOn());
+        advance(100);
+        EXPECT_EQ(tickMovesOn(), movesOn);
+        advance(10000);
+        EXPECT_TRUE(movesOn || !tickMovesOn());
+    }
 }
 
 } // namespace

@@ -11,14 +11,12 @@
 #include "settings/configFile.h"
 #include "settings/musicSettings.h"
 #include "support/output.h"
+#include "support/smallDisk.h"
 #include "support/tempDir.h"
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sys/mount.h>
 #include <utility>
 
 namespace fs = std::filesystem;
@@ -328,21 +326,30 @@ std::vector<Stored> damagedFiles() {
 INSTANTIATE_TEST_SUITE_P(Files, DamagedFile, testing::ValuesIn(damagedFiles()),
                          [](const auto& info) { return info.param.name; });
 
-// A small file system of its own, filled up: a save that does not fit leaves the old file whole
-// and no half-written one beside it. Needs the right to mount, which a test machine may not give.
-TEST(FullDisk, ASaveThatDoesNotFitLeavesTheOldFilesIntact) {
+// A player whose data folder is a small file system of its own, filled up by the test: a save
+// that does not fit leaves the old file whole and no half-written one beside it. Needs the right
+// to mount, which a test machine may not give.
+class FullDisk : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (!small.error().empty())
+            GTEST_SKIP() << small.error();
+        st.dataDirectory = disk.string();
+        st.libraryCachePath = (disk / cache).string();
+    }
+    void TearDown() override {
+        for (const auto& entry : fs::directory_iterator(disk))
+            EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos)
+                << entry.path();
+    }
+
     TempDir dir;
     fs::path disk = dir.mkdir("disk");
-    if (::mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=64k") != 0)
-        GTEST_SKIP() << "cannot mount a small file system here: " << std::strerror(errno);
-    struct Unmount {
-        fs::path at;
-        ~Unmount() { ::umount2(at.c_str(), MNT_DETACH); }
-    } unmount{disk};
-
+    SmallDisk small{disk, "64k"};
     PlayerState st;
-    st.dataDirectory = disk.string();
-    st.libraryCachePath = (disk / cache).string();
+};
+
+TEST_F(FullDisk, ASaveThatDoesNotFitLeavesTheOldFilesIntact) {
     st.playlists = {Playlist{"A", {Song{"/m/a.mp3", 0, 3, 0, 1}}, 1}};
     saveLibraryCache(st);
     const std::string before = TempDir::read(st.libraryCachePath);
@@ -360,9 +367,30 @@ TEST(FullDisk, ASaveThatDoesNotFitLeavesTheOldFilesIntact) {
     // The small settings file still fits: whole, and new.
     auto saved = nlohmann::json::parse(TempDir::read(disk / settings));
     EXPECT_FLOAT_EQ(saved["volumeLevel"].get<float>(), 0.1f);
-    for (const auto& entry : fs::directory_iterator(disk))
-        EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos)
-            << entry.path();
+}
+
+// The disk fills part-way through the saves at exit: the save that no longer fits fails with its
+// one line and keeps its old file, the saves before it are whole, and those after it still try.
+TEST_F(FullDisk, TheSavesAroundOneThatDoesNotFitAreWhole) {
+    st.playlists = {Playlist{"A", {}, 1}};
+    errorsOf([&] { shutdown(st); }); // every file once, small
+    const std::string oldStations = TempDir::read(disk / stations);
+    dir.write("disk/filler", std::string(small.available() - 24 * 1024, 'x'));
+    for (int i = 0; i < 40; ++i) // some 6 KiB, which fits
+        st.playlists[0].songs.push_back(Song{"/m/" + std::to_string(i) + ".mp3", 0, 1, 0, 1});
+    for (int i = 0; i < 1000; ++i) // some 80 KiB, which does not
+        st.radioStations.push_back(RadioStation{"FM", "http://127.0.0.1/" + std::to_string(i)});
+    st.songHistory = {HistoryEntry{1, 7, 0}};
+    st.historyEnd = 1;
+    st.volume = 0.25f;
+    const std::string errors = errorsOf([&] { shutdown(st); });
+    EXPECT_EQ(errors, "Unable to open file for writing: " + (disk / stations).string() + "\n");
+    EXPECT_EQ(TempDir::read(disk / stations), oldStations);
+    PlayerState next;
+    next.libraryCachePath = st.libraryCachePath;
+    EXPECT_EQ(loadLibraryCache(next).at(0).songs.size(), 40u);
+    EXPECT_EQ(changedSettings(TempDir::read(disk / settings)), "volumeLevel=0.25");
+    EXPECT_NE(TempDir::read(disk / history).find("\"songIndex\": 7"), std::string::npos);
 }
 
 } // namespace

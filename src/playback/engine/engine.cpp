@@ -495,6 +495,8 @@ FontHandle midiFontInit(const std::string& path) {
     std::error_code ec;
     std::filesystem::path canonical = std::filesystem::weakly_canonical(path, ec);
     std::string key = ec ? path : canonical.string();
+    // A font deleted since its parse is gone for the user too: it fails below as any missing file.
+    const bool present = std::filesystem::exists(path, ec);
     std::uint32_t epoch = 0;
     SoundFontRef font;
     {
@@ -502,7 +504,8 @@ FontHandle midiFontInit(const std::string& path) {
         if (!e.initialized)
             return fail(EngineError::Init, FontHandle{0});
         epoch = e.epoch;
-        font = parsedFont(e.fonts, key);
+        if (present)
+            font = parsedFont(e.fonts, key);
     }
     // A General MIDI font takes a tenth of a second to parse, which no create, free or other
     // font on any thread may wait for.

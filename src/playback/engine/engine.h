@@ -48,7 +48,8 @@ struct MidiFontRecord {
 // the classic plug-ins were ("bassmidi.dll" asks for the MIDI role). They come before init.
 std::uint32_t pluginLoad(const std::string& name);
 void pluginFreeAll();
-// Opens the default device at 44100 Hz (or the null output for tests). False when it cannot.
+// Opens the default device at 44100 Hz (or the null output for tests). False when it cannot. A
+// device lost later is replaced by the default device once one opens, every channel kept.
 bool engineInit(AudioOutput output = AudioOutput::Device);
 // Stops and releases every channel and font; every call then fails until the next init.
 bool engineFree();
@@ -106,7 +107,7 @@ const char* channelGetTags(ChannelHandle handle, TagKind kind);
 
 // --- MIDI.
 // A file already open shares its parsed font with the new handle, so a reopen costs nothing;
-// the four fonts opened last stay parsed after their last handle went.
+// the four fonts opened last stay parsed after their last handle went. A file deleted since fails.
 FontHandle midiFontInit(const std::string& path);
 // The handle goes; the streams and the default list that name it keep the font.
 bool midiFontFree(FontHandle font);

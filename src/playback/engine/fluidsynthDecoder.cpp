@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fluidsynth.h>
 #include <mutex>
+#include <string>
 
 namespace {
 
@@ -74,19 +75,32 @@ SettingsPtr makeSettings() {
 
 // A soundfont loaded into a synth of its own that never plays. FluidSynth keeps the sample data
 // of every loaded font in a process-wide cache, keyed by file name and counted by the fonts that
-// use it: while this holder lives, each stream that loads the same path shares those samples
+// use it: while this holder lives, each stream that loads the same name shares those samples
 // instead of reading the file's sample data again.
+// FluidSynth reads a preset's samples by the file's name whenever a channel selects it, and
+// crashes when the file is gone by then: fonts are loaded under the /proc name of a descriptor
+// that the holder keeps open, which leads to the file opened even after it was deleted.
 class SoundFont {
   public:
-    SoundFont(std::string path, SettingsPtr settings, SynthPtr holder)
-        : path_(std::move(path)), settings_(std::move(settings)), holder_(std::move(holder)) {}
+    SoundFont(std::string path, FilePtr file, std::string fluidName)
+        : path_(std::move(path)), file_(std::move(file)), fluidName_(std::move(fluidName)) {}
     SoundFont(const SoundFont&) = delete;
     SoundFont& operator=(const SoundFont&) = delete;
 
+    // Loads the font into the holder; false when FluidSynth cannot (noMemory: no synth at all).
+    bool load(SettingsPtr settings, bool& noMemory) {
+        settings_ = std::move(settings);
+        holder_.reset(settings_ ? new_fluid_synth(settings_.get()) : nullptr);
+        noMemory = !holder_;
+        return holder_ && fluid_synth_sfload(holder_.get(), fluidName_.c_str(), 0) != FLUID_FAILED;
+    }
     const std::string& path() const { return path_; }
+    const std::string& fluidName() const { return fluidName_; }
 
   private:
-    std::string path_;     // canonical: the cache compares file names as strings
+    std::string path_; // canonical, for the log
+    FilePtr file_;     // outlives every synth that reads through fluidName_
+    std::string fluidName_;
     SettingsPtr settings_; // declared before the synth, which must go first
     SynthPtr holder_;
 };
@@ -164,7 +178,8 @@ class FluidMidiDecoder final : public MidiDecoder {
     std::uint64_t position_ = 0;
     std::vector<SoundFontRef> fonts_; // keeps the shared samples alive under the synth's fonts
     std::vector<int> fontIds_;
-    std::vector<int> retiredIds_; // replaced fonts, still sounding in the voices below
+    std::vector<int> retiredIds_;            // replaced fonts, still sounding in the voices below
+    std::vector<SoundFontRef> retiredFonts_; // their samples are still read through their names
     std::vector<RingingVoice> ringing_;
     SettingsPtr settings_; // then synth, then player: each dies before what it uses
     SynthPtr synth_;
@@ -273,14 +288,15 @@ void FluidMidiDecoder::setFonts(const std::vector<SoundFontRef>& fonts) {
     for (auto font = fonts.rbegin(); font != fonts.rend(); ++font) {
         if (!*font)
             continue;
-        int id = fluid_synth_sfload(synth_.get(), (*font)->path().c_str(), 1);
+        int id = fluid_synth_sfload(synth_.get(), (*font)->fluidName().c_str(), 1);
         if (id == FLUID_FAILED)
             logOut("midi: cannot load %s for %s\n", (*font)->path().c_str(), path_.c_str());
         else
             fontIds_.push_back(id);
     }
+    retiredFonts_.insert(retiredFonts_.end(), fonts_.begin(), fonts_.end());
     retireFonts(std::move(oldIds));
-    fonts_ = fonts; // only now may the old fonts go: a font in both lists is not read twice
+    fonts_ = fonts; // a font in both lists is not read twice
 }
 
 // FluidSynth would otherwise free a font unloaded under sounding voices later, from a timer
@@ -299,8 +315,10 @@ void FluidMidiDecoder::retireFonts(std::vector<int> ids) {
 }
 
 void FluidMidiDecoder::unloadRetiredFonts() {
-    if (retiredIds_.empty())
+    if (retiredIds_.empty()) {
+        retiredFonts_.clear(); // none of them was loaded
         return;
+    }
     std::erase_if(ringing_, [](const RingingVoice& ringing) {
         return !fluid_voice_is_playing(ringing.voice) ||
                fluid_voice_get_id(ringing.voice) != ringing.id;
@@ -310,6 +328,7 @@ void FluidMidiDecoder::unloadRetiredFonts() {
     for (int id : retiredIds_)
         fluid_synth_sfunload(synth_.get(), id, 1);
     retiredIds_.clear();
+    retiredFonts_.clear();
 }
 
 enum class FontHeader { Unreadable, Other, SoundFont };
@@ -332,6 +351,10 @@ SoundFontRef loadHeldFont(const std::string& path, bool& noMemory) {
     std::error_code ec;
     std::filesystem::path canonical = std::filesystem::canonical(path, ec);
     std::string name = ec ? path : canonical.string();
+    FilePtr file(std::fopen(name.c_str(), "rbe")); // not handed to the game the player starts
+    std::string fluidName = file ? "/proc/self/fd/" + std::to_string(fileno(file.get())) : name;
+    if (!std::filesystem::exists(fluidName, ec)) // no /proc mounted
+        fluidName = name;
     SettingsPtr settings = makeSettings();
     if (settings) {
         // The holder never plays: one voice and no effects keep it small.
@@ -339,11 +362,10 @@ SoundFontRef loadHeldFont(const std::string& path, bool& noMemory) {
         fluid_settings_setint(settings.get(), "synth.reverb.active", 0);
         fluid_settings_setint(settings.get(), "synth.chorus.active", 0);
     }
-    SynthPtr holder(settings ? new_fluid_synth(settings.get()) : nullptr);
-    noMemory = !holder;
-    if (!holder || fluid_synth_sfload(holder.get(), name.c_str(), 0) == FLUID_FAILED)
+    auto font = std::make_shared<SoundFont>(name, std::move(file), std::move(fluidName));
+    if (!font->load(std::move(settings), noMemory))
         return nullptr;
-    return std::make_shared<const SoundFont>(name, std::move(settings), std::move(holder));
+    return font;
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -26,10 +27,13 @@ class NullOutput : public Output {
 
 // SDL's audio thread calls mix() for each buffer the device wants. While no channel plays, the
 // device is paused, so that the mixer does not run on nothing: the callback, which must not call
-// SDL, tells a resting thread of its own, the keeper, which pauses the device unless a play came
-// meanwhile. SDL's thread still wakes for every buffer of a paused device, so after a while of
-// silence the keeper closes the device, and opens it again when the next play asks: a play never
-// waits for a device to open, its sound starts once it is there.
+// SDL, only notes that it mixed silence, and a thread of the output's own, the keeper, pauses the
+// device unless a play came meanwhile. SDL's thread still wakes for every buffer of a paused
+// device, so after a while of silence the keeper closes the device, and opens it again when the
+// next play asks: a play never waits for a device to open, its sound starts once it is there.
+// A lost device (a sound server restarted, a headset unplugged) goes on calling back into a buffer
+// of SDL's own, so only its status tells: the keeper looks while it plays, closes it and opens the
+// default device again. Channels stay as they are, and rest while no device is open.
 class DeviceOutput : public Output {
   public:
     explicit DeviceOutput(MixerTable& table) : table_(table) {}
@@ -40,8 +44,6 @@ class DeviceOutput : public Output {
                 quit_.store(true);
             }
             keeperWake_.notify_all();
-            idleReports_.fetch_add(1);
-            idleReports_.notify_one();
             keeper_.join();
         }
         if (device_ != 0)
@@ -88,7 +90,7 @@ class DeviceOutput : public Output {
             if (state_ == State::Playing)
                 return;
             if (state_ == State::Paused) {
-                idleReported_.store(false); // the callback does not run while paused
+                idle_.store(false); // the callback does not run while paused
                 SDL_PauseAudioDevice(device_, 0);
                 state_ = State::Playing;
             } else {
@@ -100,9 +102,14 @@ class DeviceOutput : public Output {
 
   private:
     enum class State { Playing, Paused, Closed }; // under keeperLock_
+    using Lock = std::unique_lock<std::mutex>;
 
     // How long a paused device stays open for the next play.
     static constexpr auto closeAfter = std::chrono::seconds(5);
+    // How often the keeper looks at a playing device: for silence and for a loss.
+    static constexpr auto watchEvery = std::chrono::milliseconds(250);
+    // How often a device that does not open is tried again while a channel plays.
+    static constexpr auto reopenEvery = std::chrono::seconds(3);
 
     SDL_AudioDeviceID openDevice() {
         SDL_AudioSpec want{};
@@ -120,12 +127,7 @@ class DeviceOutput : public Output {
         auto* output = static_cast<DeviceOutput*>(self);
         bool playing = mixBlock(output->table_, reinterpret_cast<float*>(stream),
                                 static_cast<std::size_t>(bytes) / (2 * sizeof(float)));
-        if (playing) {
-            output->idleReported_.store(false, std::memory_order_relaxed);
-        } else if (!output->idleReported_.exchange(true, std::memory_order_relaxed)) {
-            output->idleReports_.fetch_add(1); // once per stretch of silence; never blocks
-            output->idleReports_.notify_one();
-        }
+        output->idle_.store(!playing, std::memory_order_relaxed);
     }
 
     bool nothingPlays() {
@@ -133,73 +135,78 @@ class DeviceOutput : public Output {
         return !anyPlaying(table_);
     }
 
-    // A play sets its channel Playing before it wakes the device under keeperLock_, so either the
-    // check here sees that channel, or the wake comes after this pause.
-    void pauseWhenSilent() {
-        std::uint32_t seen = idleReports_.load();
-        while (!quit_.load()) {
-            {
-                std::lock_guard lock(keeperLock_);
-                if (state_ != State::Playing)
-                    return;
-                if (nothingPlays()) {
-                    SDL_PauseAudioDevice(device_, 1);
-                    state_ = State::Paused;
-                    return;
-                }
-            }
-            idleReports_.wait(seen);
-            seen = idleReports_.load();
-        }
-    }
-
-    void closeWhenStillPaused() {
-        std::unique_lock lock(keeperLock_);
-        if (keeperWake_.wait_for(lock, closeAfter,
-                                 [this] { return quit_.load() || state_ != State::Paused; }))
-            return;
+    void closeDeviceLocked() {
         std::lock_guard deviceLock(deviceLock_);
         SDL_CloseAudioDevice(device_);
         device_ = 0;
         state_ = State::Closed;
     }
 
-    void reopenWhenAsked() {
-        {
-            std::unique_lock lock(keeperLock_);
-            keeperWake_.wait(lock, [this] { return quit_.load() || reopenAsked_; });
-            if (quit_.load())
+    // A play sets its channel Playing before it wakes the device under keeperLock_, so either the
+    // check here sees that channel, or the wake comes after this pause.
+    void watchWhilePlaying(Lock& lock) {
+        while (!quit_.load() && state_ == State::Playing) {
+            if (SDL_GetAudioDeviceStatus(device_) == SDL_AUDIO_STOPPED) {
+                logOut("The audio device was lost: the default device is opened again, every %d "
+                       "s until one opens\n",
+                       static_cast<int>(reopenEvery.count()));
+                closeDeviceLocked();
+                reopenAsked_ = true;
+                openFailing_ = true; // that line says it all until a device opens
                 return;
-            reopenAsked_ = false;
+            }
+            if (idle_.load(std::memory_order_relaxed) && nothingPlays()) {
+                SDL_PauseAudioDevice(device_, 1);
+                state_ = State::Paused;
+                return;
+            }
+            keeperWake_.wait_for(lock, watchEvery, [this] { return quit_.load(); });
         }
+    }
+
+    void closeWhenStillPaused(Lock& lock) {
+        if (!keeperWake_.wait_for(lock, closeAfter,
+                                  [this] { return quit_.load() || state_ != State::Paused; }))
+            closeDeviceLocked();
+    }
+
+    void reopenWhenAsked(Lock& lock) {
+        keeperWake_.wait(lock, [this] { return quit_.load() || reopenAsked_; });
+        if (quit_.load())
+            return;
+        reopenAsked_ = false;
+        lock.unlock();
         SDL_AudioDeviceID device = openDevice(); // slow: no lock held
-        std::lock_guard lock(keeperLock_);
+        lock.lock();
         if (device == 0) {
-            logOut("No audio device could be opened: %s\n", SDL_GetError());
-            return; // the next play asks again
+            if (!std::exchange(openFailing_, true))
+                logOut("No audio device could be opened: %s\n", SDL_GetError());
+            // A device may come back (a sound server restarts, a headset is plugged in): while a
+            // channel plays it is tried again, and a play meanwhile tries at once.
+            keeperWake_.wait_for(lock, reopenEvery,
+                                 [this] { return quit_.load() || reopenAsked_; });
+            reopenAsked_ = reopenAsked_ || !nothingPlays();
+            return;
         }
+        openFailing_ = false;
         {
             std::lock_guard deviceLock(deviceLock_);
             device_ = device;
         }
-        idleReported_.store(false);
+        idle_.store(false);
         SDL_PauseAudioDevice(device_, 0);
         state_ = State::Playing;
     }
 
     void keepDevice() {
+        Lock lock(keeperLock_);
         while (!quit_.load()) {
-            State state;
-            {
-                std::lock_guard lock(keeperLock_);
-                state = state_;
-            }
-            if (state == State::Playing)
-                pauseWhenSilent();
-            else if (state == State::Paused)
-                closeWhenStillPaused();
+            if (state_ == State::Playing)
+                watchWhilePlaying(lock);
+            else if (state_ == State::Paused)
+                closeWhenStillPaused(lock);
             else
-                reopenWhenAsked();
+                reopenWhenAsked(lock);
         }
     }
 
@@ -207,13 +214,13 @@ class DeviceOutput : public Output {
     std::mutex deviceLock_; // keeps device_ while a caller holds the output
     SDL_AudioDeviceID device_ = 0;
     bool subsystemUp_ = false;
-    std::atomic<bool> idleReported_{false};
-    std::atomic<std::uint32_t> idleReports_{0};
+    std::atomic<bool> idle_{false}; // the callback's last block mixed no channel
     std::atomic<bool> quit_{false};
     std::mutex keeperLock_;
     std::condition_variable keeperWake_;
     State state_ = State::Paused;
     bool reopenAsked_ = false; // under keeperLock_
+    bool openFailing_ = false; // under keeperLock_: the failure has had its line
     std::thread keeper_;
 };
 

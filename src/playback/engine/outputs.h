@@ -33,5 +33,7 @@ class OutputLock {
 std::unique_ptr<Output> openNullOutput();
 // The default SDL device at 44100 Hz stereo float, mixing table in its callback. It is paused
 // while no channel plays, so that an idle engine costs nothing, and wakes on the next play. Null
-// and an error (and one log line) when there is no device.
+// and an error (and one log line) when there is no device. A device lost while it plays gives one
+// log line and the default device is opened again, at once and every 3 s while a channel plays;
+// the channels keep their places meanwhile.
 std::unique_ptr<Output> openDeviceOutput(MixerTable& table, EngineError& error);
