@@ -113,11 +113,11 @@ FuzzFile::~FuzzFile() {
     emptyFolder(fuzzFolder());
 }
 
-std::string fuzzSavedPath(const std::string& name) {
-    fs::path folder = fs::path(fuzzFolder()) / "saved";
+std::string fuzzSavePath(const std::string& round, const std::string& input) {
+    fs::path folder = fs::path(fuzzFolder()) / "saved" / round;
     std::error_code ec;
     fs::create_directories(folder, ec);
-    return (folder / name).string();
+    return (folder / fs::path(input).filename()).string();
 }
 
 void expectSameSaves(const std::string& first, const std::string& second) {

@@ -50,13 +50,24 @@ class FuzzFile {
     bool mayChange_;
 };
 
-// A path in the "saved" subfolder of fuzzFolder(), for the files a target makes its reader's
-// writer save; made on first use, emptied with the folder.
-std::string fuzzSavedPath(const std::string& name);
-// The promise of every file the player both writes and reads: what a reader took, saved as
-// `first`, reads again into a fresh state without a complaint (nothing set aside), and that
-// state saved as `second` is the same text.
+// The path of the save of a round ("first", "second") in the "saved" folder of fuzzFolder(): a
+// folder of the round's name, made here, holding a file of the input's name.
+std::string fuzzSavePath(const std::string& round, const std::string& input);
+// The check of expectStableSaves, once both saves are made.
 void expectSameSaves(const std::string& first, const std::string& second);
+
+// The promise of every file the player both writes and reads: what a reader took, saved, reads
+// again without a complaint (nothing set aside), and saved once more gives the same text.
+// readAndSave(from, to) reads the file `from` into a fresh state as the player does and saves that
+// state as `to`; both have the input's file name, each in a folder of its own (a data folder).
+template <typename ReadAndSave>
+void expectStableSaves(const std::string& path, ReadAndSave readAndSave) {
+    const std::string first = fuzzSavePath("first", path);
+    const std::string second = fuzzSavePath("second", path);
+    readAndSave(path, first);
+    readAndSave(first, second);
+    expectSameSaves(first, second);
+}
 
 // Aborts with the message on the error stream: the reader broke its promise.
 [[noreturn]] void fuzzFailure(const std::string& what);

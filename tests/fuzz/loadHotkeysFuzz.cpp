@@ -4,13 +4,9 @@
 
 FUZZ_TARGET(loadHotkeys) {
     FuzzFile file("hotkeyConfig.json", bytes);
-    InputState st;
-    loadHotkeys(st, file.path());
-    std::string first = fuzzSavedPath("first.json");
-    saveHotkeys(st, first);
-    InputState again;
-    loadHotkeys(again, first);
-    std::string second = fuzzSavedPath("second.json");
-    saveHotkeys(again, second);
-    expectSameSaves(first, second);
+    expectStableSaves(file.path(), [](const std::string& from, const std::string& to) {
+        InputState st;
+        loadHotkeys(st, from);
+        saveHotkeys(st, to);
+    });
 }

@@ -3,6 +3,7 @@
 #include "playback/engine/decoder.h"
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 // What a channel's decode thread does with a decoder of a damaged file: plays up to 10 s in the
@@ -28,4 +29,13 @@ inline void playDecoder(Decoder& decoder) {
         decoder.seek(frame);
         render();
     }
+}
+
+// The bytes as the file `name` (a song of the library's kind), opened by `open` and played.
+inline void openAndPlay(const char* name, std::string_view bytes,
+                        std::unique_ptr<Decoder> (*open)(const std::string&, EngineError&)) {
+    FuzzFile file(name, bytes);
+    EngineError error = EngineError::Ok;
+    if (std::unique_ptr<Decoder> decoder = open(file.path(), error))
+        playDecoder(*decoder);
 }
