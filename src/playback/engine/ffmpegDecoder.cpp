@@ -38,6 +38,9 @@ using PacketPtr = std::unique_ptr<AVPacket, FreePacket>;
 
 constexpr int outChannels = 2;
 constexpr std::int64_t noDrop = -1;
+// No recording goes past 768 kHz. A resampler down from a rate far above it builds a filter of
+// millions of taps: seconds of work and a gigabyte for a file of a few kilobytes that claims one.
+constexpr int highestSourceRate = 768000;
 
 std::string errorText(int code) {
     char text[AV_ERROR_MAX_STRING_SIZE] = {};
@@ -130,6 +133,8 @@ ResamplerInput inputOf(const AVFrame* frame) {
 }
 
 ResamplerPtr makeResampler(const AVFrame* frame) {
+    if (frame->sample_rate > highestSourceRate)
+        return nullptr;
     AVChannelLayout inLayout{};
     if (av_channel_layout_copy(&inLayout, &frame->ch_layout) < 0 ||
         inLayout.order == AV_CHANNEL_ORDER_UNSPEC) {
@@ -538,6 +543,11 @@ ProbedFile describeFfmpegSource(FormatPtr format, const std::string& path, bool 
     if (stream->codecpar->sample_rate <= 0 || stream->codecpar->ch_layout.nb_channels <= 0) {
         error = EngineError::FileFormat;
         logFailure(path, "its audio has no rate or channels");
+        return {};
+    }
+    if (stream->codecpar->sample_rate > highestSourceRate) {
+        error = EngineError::FileFormat;
+        logFailure(path, "its rate is past 768 kHz");
         return {};
     }
     for (unsigned i = 0; i < format->nb_streams; ++i) // cover art and the like are never read
