@@ -30,7 +30,8 @@ std::optional<HotkeyBinding> readRow(const DocJson& row) {
         return std::nullopt;
     HotkeyBinding binding;
     int vkKey = 0;
-    if (!readNumber(row, "vkKey", vkKey) || !readFlag(row, "ctrl", binding.ctrl) ||
+    // A negative key code would be kept as a huge unsigned one, which the next start refuses.
+    if (!readNumber(row, "vkKey", vkKey) || vkKey < 0 || !readFlag(row, "ctrl", binding.ctrl) ||
         !readFlag(row, "alt", binding.alt) || !readFlag(row, "shift", binding.shift) ||
         !readNumber(row, "gameControllerButton", binding.gameControllerButton) ||
         !readNumber(row, "gameControllerTrigger", binding.gameControllerTrigger))

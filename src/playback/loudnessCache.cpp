@@ -52,9 +52,11 @@ std::optional<LoudnessRecord> recordOf(const Json& entry) {
         out = it->get<std::int64_t>();
         return true;
     };
+    // No float sample lies further than about 900 dB from full scale, so a level past 1000 dB
+    // is no measurement; its gain would not even fit the float the engine takes.
     auto number = [&entry](const char* key, double& out) {
         auto it = entry.find(key);
-        if (it == entry.end() || !it->is_number() || !std::isfinite(it->get<double>()))
+        if (it == entry.end() || !it->is_number() || !(std::fabs(it->get<double>()) <= 1000.0))
             return false;
         out = it->get<double>();
         return true;
@@ -117,7 +119,7 @@ class CacheReader : public ScalarJsonEvents {
             if (record)
                 table[loudnessKey(record->songPath, record->fontPath)] = std::move(*record);
             else
-                damaged("a value lacks a key or has one of the wrong type");
+                damaged("a value lacks a key or has one of the wrong type or range");
             depth_ = 2;
             return true;
         }

@@ -18,11 +18,9 @@ constexpr long connectTimeoutMs = 3000;
 constexpr long totalTimeoutMs = 5000;
 
 std::size_t appendBody(char* data, std::size_t size, std::size_t count, void* user) {
-    auto& body = *static_cast<std::string*>(user);
     const std::size_t total = size * count;
-    const std::size_t room = bodyLimit - body.size();
-    body.append(data, std::min(total, room));
-    return total <= room ? total : 0; // past the limit: the transfer stops here
+    // Past the limit the transfer stops here.
+    return appendVersionBody(*static_cast<std::string*>(user), {data, total}) ? total : 0;
 }
 
 // libcurl's global set-up and clean-up for one request. The stations' reader threads may be
@@ -74,6 +72,12 @@ std::string fetchVersionText(const std::string& baseAddress) {
 
 std::string makerAddress() {
     return std::string("http://") + makerHost;
+}
+
+bool appendVersionBody(std::string& body, std::string_view piece) {
+    const std::size_t room = bodyLimit - std::min(body.size(), bodyLimit);
+    body.append(piece.substr(0, room));
+    return piece.size() <= room;
 }
 
 bool isNewerVersion(std::string_view offered) {

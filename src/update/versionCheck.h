@@ -11,6 +11,10 @@ std::string makerAddress();
 // compares what arrived, if anything; latest is untouched when the answer is not newer.
 bool checkForNewVersion(const std::string& baseAddress, std::string& latest);
 
+// Adds a piece of the answer's body, which keeps its first 64 KiB; false once a piece did not
+// fit whole, which ends the transfer (what fitted is still compared).
+bool appendVersionBody(std::string& body, std::string_view piece);
+
 // Byte strings, never numbers: "1.10" sorts before "1.9", and "1.0\n" after "1.0".
 bool isNewerVersion(std::string_view offered);
 

@@ -302,6 +302,11 @@ std::vector<Stored> damagedFiles() {
          hotkeyRows(2, {0}, 1, R"({"alt": 1, "ctrl": false, "gameControllerButton": -1,
              "gameControllerTrigger": -1, "shift": false, "vkKey": 61})"),
          "0:60"},
+        // Kept as an unsigned code it would be saved as 4294967295, which no start reads back.
+        {"hotkeysNegativeKeyCode", hotkeys,
+         hotkeyRows(2, {0}, 1, R"({"alt": false, "ctrl": false, "gameControllerButton": -1,
+             "gameControllerTrigger": -1, "shift": false, "vkKey": -1})"),
+         "0:60"},
         {"colorsKeyMissing", colors, list(R"({"name": "X", "r": 1})", color), "Black"},
         {"colorsKeyOfWrongType", colors, list(with(color, "\"Black\"", "7"), color), "Black"},
         {"colorsHugeNumber", colors, list(with(color, "\"r\": 0", "\"r\": 1e99"), color), "Black"},

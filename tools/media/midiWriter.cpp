@@ -126,7 +126,7 @@ std::vector<Event> tempoTrack(const TickGrid& grid) {
 
 bool songFits(const MidiSong& song) {
     auto inRange = [](int v, int low, int high) { return v >= low && v <= high; };
-    if (!inRange(song.division, 1, 0x7FFF))
+    if (!inRange(song.division, 1, 0x7FFF) || song.emptyTracks < 0)
         return false;
     for (const MidiTempo& tempo : song.tempos)
         if (!(tempo.bpm > 0.0) || tempo.start < 0.0)
@@ -183,6 +183,11 @@ std::optional<double> writeMidi(const std::string& path, const MidiSong& song) {
         tracks += encodeTrack(std::move(events), endTick);
         ++trackCount;
     }
+    for (int i = 0; i < song.emptyTracks; ++i)
+        tracks += encodeTrack({}, endTick);
+    trackCount += song.emptyTracks;
+    if (trackCount > 0xFFFF)
+        return std::nullopt;
     std::string file = "MThd";
     putBigEndian(file, 6, 4);
     putBigEndian(file, 1, 2);

@@ -33,6 +33,8 @@ struct MidiSong {
     std::vector<MidiProgram> programs; // sent at the start of each channel's track
     std::vector<MidiNote> notes;
     double end = 0.0; // seconds; every track ends here, or at the last note-off if that is later
+    // Tracks of nothing but their end, after the channels' tracks: 65,535 tracks at most in all.
+    int emptyTracks = 0;
 };
 
 // Writes a format 1 file: a tempo track, then one track per channel that has notes or a program.

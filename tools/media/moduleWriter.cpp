@@ -101,8 +101,13 @@ bool writeBytes(const std::string& path, const std::string& bytes) {
     return static_cast<bool>(file.flush());
 }
 
-double songSeconds(int rows, const TrackerSong& song) {
-    return rows * song.speed * 2.5 / song.bpm;
+int orderCount(const TrackerSong& song) {
+    return song.noOrders ? 0 : song.patterns;
+}
+
+// The orders play each pattern once, so the length counts the rows of as many patterns.
+double songSeconds(int rowsPerPattern, const TrackerSong& song) {
+    return orderCount(song) * rowsPerPattern * song.speed * 2.5 / song.bpm;
 }
 
 bool tempoFits(const TrackerSong& song) {
@@ -155,8 +160,8 @@ std::optional<double> writeMod(const std::string& path, const TrackerSong& song)
     std::string out;
     putText(out, "marble test song", 20);
     putModSampleHeaders(out);
-    putByte(out, song.patterns); // orders
-    putByte(out, 127);           // no restart position
+    putByte(out, orderCount(song));
+    putByte(out, 127); // no restart position
     for (int order = 0; order < 128; ++order)
         putByte(out, order < song.patterns ? order : 0);
     out += *tag;
@@ -173,7 +178,7 @@ std::optional<double> writeMod(const std::string& path, const TrackerSong& song)
             putByte(out, value);
     if (!writeBytes(path, out))
         return std::nullopt;
-    return songSeconds(song.patterns * modRows, song);
+    return songSeconds(modRows, song);
 }
 
 namespace {
@@ -185,7 +190,7 @@ void putXmHeader(std::string& out, const TrackerSong& song) {
     putText(out, "mediaFixtures", 20);
     putLe16(out, 0x0104);
     putLe32(out, 276); // header size, counted from this field to the end of the order table
-    putLe16(out, song.patterns);
+    putLe16(out, orderCount(song));
     putLe16(out, 0); // restart position
     putLe16(out, song.channels);
     putLe16(out, song.patterns);
@@ -256,7 +261,226 @@ std::optional<double> writeXm(const std::string& path, const TrackerSong& song) 
     putXmInstrument(out);
     if (!writeBytes(path, out))
         return std::nullopt;
-    return songSeconds(song.patterns * song.rowsPerPattern, song);
+    return songSeconds(song.rowsPerPattern, song);
+}
+
+namespace {
+
+// The file so far padded to a paragraph of 16 bytes, where S3M pointers point.
+void padToParagraph(std::string& out) {
+    out.append((16 - out.size() % 16) % 16, '\0');
+}
+
+// A little-endian number written over bytes reserved before: a length or a pointer known later.
+void putLeAt(std::string& out, std::size_t at, std::size_t value, int bytes) {
+    for (int i = 0; i < bytes; ++i)
+        out[at + static_cast<std::size_t>(i)] = static_cast<char>((value >> (8 * i)) & 0xFF);
+}
+
+// A 16-bit paragraph pointer at `at` to where the file ends now.
+void pointHere(std::string& out, std::size_t at) {
+    putLeAt(out, at, out.size() / 16, 2);
+}
+
+void putS3mHeader(std::string& out, const TrackerSong& song) {
+    putText(out, "marble test song", 28);
+    putByte(out, 0x1A);
+    putByte(out, 16); // a module
+    putLe16(out, 0);
+    putLe16(out, orderCount(song));
+    putLe16(out, waveCount);
+    putLe16(out, song.patterns);
+    putLe16(out, 0);      // flags
+    putLe16(out, 0x1320); // made by Scream Tracker 3.20
+    putLe16(out, 2);      // unsigned samples
+    out += "SCRM";
+    putByte(out, 64); // global volume
+    putByte(out, song.speed);
+    putByte(out, song.bpm);
+    putByte(out, 0xB0);   // stereo, master volume 48
+    putByte(out, 16);     // click removal
+    putByte(out, 0);      // no panning table
+    out.append(10, '\0'); // reserved, no special data
+    // Channels alternate left and right; the rest are unused.
+    for (int channel = 0; channel < 32; ++channel)
+        putByte(out, channel >= song.channels ? 255 : (channel % 2) * 8 + (channel / 2) % 8);
+    for (int order = 0; order < orderCount(song); ++order)
+        putByte(out, order);
+}
+
+void putS3mSample(std::string& out, int kind, std::size_t& dataPointer) {
+    putByte(out, 1); // a sample
+    putText(out, "", 12);
+    dataPointer = out.size();
+    putByte(out, 0); // the data's paragraph, three bytes: set once the data is placed
+    putLe16(out, 0);
+    putLe32(out, waveLength);
+    putLe32(out, 0);          // loop start
+    putLe32(out, waveLength); // loop end
+    putByte(out, sampleVolume);
+    putByte(out, 0);
+    putByte(out, 0); // not packed
+    putByte(out, 1); // looped, 8-bit, mono
+    putLe32(out, 8363);
+    out.append(12, '\0');
+    putText(out, "wave " + std::to_string(kind + 1), 28);
+    out += "SCRS";
+}
+
+// Packed rows: a byte naming the channel and what follows, note, sample, volume; 0 ends a row.
+void putS3mPattern(std::string& out, const std::vector<Cell>& cells, int channels) {
+    std::size_t start = out.size();
+    putLe16(out, 0); // the packed length, set below
+    for (int row = 0; row < modRows; ++row) {
+        for (int channel = 0; channel < channels; ++channel) {
+            const Cell& cell = cells[static_cast<std::size_t>(row * channels + channel)];
+            if (cell.step < 0)
+                continue;
+            putByte(out, channel | 0x20 | 0x40);
+            putByte(out, (4 + cell.step / 12) << 4 | cell.step % 12);
+            putByte(out, cell.wave + 1);
+            putByte(out, cell.param);
+        }
+        putByte(out, 0);
+    }
+    putLeAt(out, start, out.size() - start, 2);
+}
+
+} // namespace
+
+std::optional<double> writeS3m(const std::string& path, const TrackerSong& song) {
+    if (song.channels < 1 || song.channels > 16 || song.patterns < 1 || song.patterns > 64 ||
+        !tempoFits(song))
+        return std::nullopt;
+    std::string out;
+    putS3mHeader(out, song);
+    std::size_t pointers = out.size(); // the samples', then the patterns'
+    out.append(2u * static_cast<std::size_t>(waveCount + song.patterns), '\0');
+    std::size_t dataPointers[waveCount];
+    for (int kind = 0; kind < waveCount; ++kind) {
+        padToParagraph(out);
+        pointHere(out, pointers + 2u * static_cast<std::size_t>(kind));
+        putS3mSample(out, kind, dataPointers[kind]);
+    }
+    std::mt19937 rng(song.seed);
+    for (int pattern = 0; pattern < song.patterns; ++pattern) {
+        padToParagraph(out);
+        pointHere(out, pointers + 2u * static_cast<std::size_t>(waveCount + pattern));
+        putS3mPattern(out, composePattern(modRows, song.channels, song.volume, rng), song.channels);
+    }
+    for (int kind = 0; kind < waveCount; ++kind) {
+        padToParagraph(out);
+        pointHere(out, dataPointers[kind] + 1);
+        for (std::int8_t value : synthesiseWave(kind))
+            putByte(out, value + 128);
+    }
+    if (!writeBytes(path, out))
+        return std::nullopt;
+    return songSeconds(modRows, song);
+}
+
+namespace {
+
+void putItHeader(std::string& out, const TrackerSong& song) {
+    out += "IMPM";
+    putText(out, "marble test song", 26);
+    putLe16(out, 0x1004); // row highlights
+    putLe16(out, orderCount(song));
+    putLe16(out, 0); // no instruments: notes name samples
+    putLe16(out, waveCount);
+    putLe16(out, song.patterns);
+    putLe16(out, 0x0214); // made by and for Impulse Tracker 2.14
+    putLe16(out, 0x0214);
+    putLe16(out, 0x09); // stereo, linear slides
+    putLe16(out, 0);
+    putByte(out, 128); // global volume
+    putByte(out, 48);  // mixing volume
+    putByte(out, song.speed);
+    putByte(out, song.bpm);
+    putByte(out, 128); // stereo separation
+    putByte(out, 0);
+    putLe16(out, 0); // no message
+    putLe32(out, 0);
+    putLe32(out, 0);
+    for (int channel = 0; channel < 64; ++channel) // centred; an unused one disabled
+        putByte(out, channel < song.channels ? 32 : 128 + 32);
+    out.append(64, static_cast<char>(64)); // channel volumes
+    for (int order = 0; order < orderCount(song); ++order)
+        putByte(out, order);
+}
+
+void putItSample(std::string& out, int kind, std::size_t& dataPointer) {
+    out += "IMPS";
+    putText(out, "", 12);
+    putByte(out, 0);
+    putByte(out, 64);   // global volume
+    putByte(out, 0x11); // has data, looped, 8-bit, mono
+    putByte(out, sampleVolume);
+    putText(out, "wave " + std::to_string(kind + 1), 26);
+    putByte(out, 1); // signed
+    putByte(out, 32);
+    putLe32(out, waveLength);
+    putLe32(out, 0);          // loop start
+    putLe32(out, waveLength); // loop end
+    putLe32(out, 8363);
+    putLe32(out, 0); // no sustain loop
+    putLe32(out, 0);
+    dataPointer = out.size();
+    putLe32(out, 0); // set once the data is placed
+    putLe32(out, 0); // no vibrato
+}
+
+// Packed rows: the channel with a mask that says note, sample and volume follow; 0 ends a row.
+void putItPattern(std::string& out, const std::vector<Cell>& cells, int rows, int channels) {
+    std::size_t start = out.size();
+    putLe16(out, 0); // the packed length, set below
+    putLe16(out, rows);
+    putLe32(out, 0);
+    for (int row = 0; row < rows; ++row) {
+        for (int channel = 0; channel < channels; ++channel) {
+            const Cell& cell = cells[static_cast<std::size_t>(row * channels + channel)];
+            if (cell.step < 0)
+                continue;
+            putByte(out, (channel + 1) | 0x80);
+            putByte(out, 1 | 2 | 4);
+            putByte(out, 48 + cell.step);
+            putByte(out, cell.wave + 1);
+            putByte(out, cell.param);
+        }
+        putByte(out, 0);
+    }
+    putLeAt(out, start, out.size() - start - 8, 2);
+}
+
+} // namespace
+
+std::optional<double> writeIt(const std::string& path, const TrackerSong& song) {
+    if (song.channels < 1 || song.channels > 64 || song.patterns < 1 || song.patterns > 200 ||
+        song.rowsPerPattern < 1 || song.rowsPerPattern > 200 || !tempoFits(song))
+        return std::nullopt;
+    std::string out;
+    putItHeader(out, song);
+    std::size_t pointers = out.size(); // the samples', then the patterns'
+    out.append(4u * static_cast<std::size_t>(waveCount + song.patterns), '\0');
+    std::size_t dataPointers[waveCount];
+    for (int kind = 0; kind < waveCount; ++kind) {
+        putLeAt(out, pointers + 4u * static_cast<std::size_t>(kind), out.size(), 4);
+        putItSample(out, kind, dataPointers[kind]);
+    }
+    std::mt19937 rng(song.seed);
+    for (int pattern = 0; pattern < song.patterns; ++pattern) {
+        putLeAt(out, pointers + 4u * static_cast<std::size_t>(waveCount + pattern), out.size(), 4);
+        putItPattern(out, composePattern(song.rowsPerPattern, song.channels, song.volume, rng),
+                     song.rowsPerPattern, song.channels);
+    }
+    for (int kind = 0; kind < waveCount; ++kind) {
+        putLeAt(out, dataPointers[kind], out.size(), 4);
+        for (std::int8_t value : synthesiseWave(kind))
+            putByte(out, value);
+    }
+    if (!writeBytes(path, out))
+        return std::nullopt;
+    return songSeconds(song.rowsPerPattern, song);
 }
 
 } // namespace media

@@ -30,20 +30,6 @@ ListPtr appendTo(ListPtr list, const char* text) {
     return ListPtr(grown);
 }
 
-// The value of the first line with this key, case ignored, blanks around it trimmed.
-std::string headerValue(const std::vector<std::string>& lines, const std::string& key) {
-    for (std::size_t i = 1; i < lines.size(); ++i) {
-        std::size_t colon = lines[i].find(':');
-        if (colon == std::string::npos || asciiLower(lines[i].substr(0, colon)) != key)
-            continue;
-        std::string value = lines[i].substr(colon + 1);
-        std::size_t first = value.find_first_not_of(" \t");
-        std::size_t last = value.find_last_not_of(" \t");
-        return first == std::string::npos ? std::string() : value.substr(first, last - first + 1);
-    }
-    return {};
-}
-
 bool httpOrHttps(const std::string& url) {
     std::string head = asciiLower(url.substr(0, 8));
     return head.starts_with("http://") || head.starts_with("https://");

@@ -38,6 +38,12 @@ using PacketPtr = std::unique_ptr<AVPacket, FreePacket>;
 
 constexpr int outChannels = 2;
 constexpr std::int64_t noDrop = -1;
+// No recording goes past 768 kHz. A resampler down from a rate far above it builds a filter of
+// millions of taps: seconds of work and a gigabyte for a file of a few kilobytes that claims one.
+constexpr int highestSourceRate = 768000;
+// Output frames made from a frame at a time: a WAV at 1 Hz gives 44,100 of them for each of its
+// samples, and a packet of a thousand samples would otherwise need gigabytes at once.
+constexpr std::int64_t largestConversion = 1 << 16;
 
 std::string errorText(int code) {
     char text[AV_ERROR_MAX_STRING_SIZE] = {};
@@ -130,6 +136,8 @@ ResamplerInput inputOf(const AVFrame* frame) {
 }
 
 ResamplerPtr makeResampler(const AVFrame* frame) {
+    if (frame->sample_rate > highestSourceRate)
+        return nullptr;
     AVChannelLayout inLayout{};
     if (av_channel_layout_copy(&inLayout, &frame->ch_layout) < 0 ||
         inLayout.order == AV_CHANNEL_ORDER_UNSPEC) {
@@ -172,7 +180,7 @@ class FfmpegDecoder final : public Decoder {
   private:
     bool decodeNextFrame();
     bool refill();
-    bool convert(const AVFrame* frame, int skipSamples);
+    bool convert(const AVFrame* frame, int skipSamples, int& used);
     bool flushResampler();
     void keepOutput(int frames);
     std::int64_t sourceStartOf(const AVFrame* frame);
@@ -202,6 +210,7 @@ class FfmpegDecoder final : public Decoder {
     std::int64_t dropSourceBefore_ = noDrop;
     std::uint64_t dropOutput_ = 0; // output frames still to drop after a seek
     bool heldFrame_ = false;       // frame_ holds a decoded frame not yet converted
+    int frameConverted_ = 0;       // samples of the held frame converted before (0: a new frame)
     bool flushSent_ = false;
     bool decoderDone_ = false;
     bool resamplerFlushed_ = false;
@@ -280,8 +289,9 @@ std::int64_t FfmpegDecoder::sourceStartOf(const AVFrame* frame) {
                             static_cast<AVRounding>(AV_ROUND_NEAR_INF | AV_ROUND_PASS_MINMAX));
 }
 
-// Converts frame_'s samples after skipSamples into pending_ (which must be empty).
-bool FfmpegDecoder::convert(const AVFrame* frame, int skipSamples) {
+// Converts frame_'s samples after skipSamples into pending_ (which must be empty), as many as make
+// largestConversion output frames at most; used tells how many were taken.
+bool FfmpegDecoder::convert(const AVFrame* frame, int skipSamples, int& used) {
     ResamplerInput input = inputOf(frame);
     if (!resampler_ || !(input == resamplerInput_)) {
         resampler_ = makeResampler(frame);
@@ -296,7 +306,11 @@ bool FfmpegDecoder::convert(const AVFrame* frame, int skipSamples) {
     planes_.resize(planar ? channels : 1);
     for (std::size_t i = 0; i < planes_.size(); ++i)
         planes_[i] = frame->extended_data[i] + skipSamples * sampleBytes * (planar ? 1 : channels);
-    const int inCount = frame->nb_samples - skipSamples;
+    const auto most =
+        std::max<std::int64_t>(1, largestConversion * frame->sample_rate / engineRate);
+    const int inCount =
+        static_cast<int>(std::min<std::int64_t>(frame->nb_samples - skipSamples, most));
+    used = inCount;
     const int room = swr_get_out_samples(resampler_.get(), inCount);
     if (room < 0)
         return false;
@@ -348,16 +362,21 @@ bool FfmpegDecoder::refill() {
             }
             continue;
         }
-        std::int64_t first = sourceStartOf(frame_.get());
-        nextSource_ = first + frame_->nb_samples;
-        if (dropSourceBefore_ != noDrop && nextSource_ <= dropSourceBefore_)
-            continue; // wholly before the place a seek wants the resampler to start
-        int skip = 0;
-        if (dropSourceBefore_ != noDrop && first < dropSourceBefore_)
-            skip = static_cast<int>(dropSourceBefore_ - first);
-        dropSourceBefore_ = noDrop;
-        if (!convert(frame_.get(), skip))
+        int skip = frameConverted_; // the rest of a large frame goes on where it stopped
+        if (skip == 0) {
+            std::int64_t first = sourceStartOf(frame_.get());
+            nextSource_ = first + frame_->nb_samples;
+            if (dropSourceBefore_ != noDrop && nextSource_ <= dropSourceBefore_)
+                continue; // wholly before the place a seek wants the resampler to start
+            if (dropSourceBefore_ != noDrop && first < dropSourceBefore_)
+                skip = static_cast<int>(dropSourceBefore_ - first);
+            dropSourceBefore_ = noDrop;
+        }
+        int used = 0;
+        if (!convert(frame_.get(), skip, used))
             return false;
+        frameConverted_ = skip + used < frame_->nb_samples ? skip + used : 0;
+        heldFrame_ = frameConverted_ > 0;
     }
     return true;
 }
@@ -394,6 +413,7 @@ bool FfmpegDecoder::restartAt(std::int64_t timestamp) {
     resampler_.reset(); // its delay line holds samples from before the seek
     pendingRead_ = pendingFrames_ = 0;
     heldFrame_ = flushSent_ = decoderDone_ = resamplerFlushed_ = false;
+    frameConverted_ = 0;
     return true;
 }
 
@@ -538,6 +558,11 @@ ProbedFile describeFfmpegSource(FormatPtr format, const std::string& path, bool 
     if (stream->codecpar->sample_rate <= 0 || stream->codecpar->ch_layout.nb_channels <= 0) {
         error = EngineError::FileFormat;
         logFailure(path, "its audio has no rate or channels");
+        return {};
+    }
+    if (stream->codecpar->sample_rate > highestSourceRate) {
+        error = EngineError::FileFormat;
+        logFailure(path, "its rate is past 768 kHz");
         return {};
     }
     for (unsigned i = 0; i < format->nb_streams; ++i) // cover art and the like are never read

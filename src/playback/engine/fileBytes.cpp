@@ -19,8 +19,9 @@ FileBytes readFileBytes(const std::string& path, std::string_view magic) {
     try {
         while ((got = std::fread(chunk, 1, sizeof chunk, read.file.get())) > 0) {
             read.bytes.insert(read.bytes.end(), chunk, chunk + got);
+            // Without a magic there is nothing to compare: memcmp must not see its null pointer.
             std::size_t compared = std::min(read.bytes.size(), magic.size());
-            if (std::memcmp(read.bytes.data(), magic.data(), compared) != 0)
+            if (compared > 0 && std::memcmp(read.bytes.data(), magic.data(), compared) != 0)
                 break;
         }
     } catch (const std::bad_alloc&) {

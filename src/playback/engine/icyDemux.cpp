@@ -1,5 +1,7 @@
 #include "playback/engine/icyDemux.h"
 
+#include "util/ascii.h"
+
 #include <algorithm>
 
 namespace {
@@ -7,6 +9,19 @@ namespace {
 // absurd header from hiding every metadata block in the audio.
 constexpr std::size_t largestInterval = 1u << 24;
 } // namespace
+
+std::string headerValue(const std::vector<std::string>& lines, const std::string& key) {
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        std::size_t colon = lines[i].find(':');
+        if (colon == std::string::npos || asciiLower(lines[i].substr(0, colon)) != key)
+            continue;
+        std::string value = lines[i].substr(colon + 1);
+        std::size_t first = value.find_first_not_of(" \t");
+        std::size_t last = value.find_last_not_of(" \t");
+        return first == std::string::npos ? std::string() : value.substr(first, last - first + 1);
+    }
+    return {};
+}
 
 std::size_t parseMetaInterval(std::string_view value) {
     std::size_t i = value.find_first_not_of(" \t");

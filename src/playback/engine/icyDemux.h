@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Splits a station's body into audio and in-band metadata. A server that was asked for metadata
 // and answered "icy-metaint: N" sends N audio bytes, then a length byte L and 16 * L bytes of
@@ -15,6 +16,9 @@ struct IcyDemux {
     std::string meta;  // the newest block with text, up to its first zero byte
 };
 
+// The value of the first header line whose key is `key` (given in lower case; the line's case is
+// ignored), blanks around it trimmed; empty when none has it. The first line, the status, is none.
+std::string headerValue(const std::vector<std::string>& lines, const std::string& key);
 // The N of an "icy-metaint" value ("8192", " 8192"); 0 for none, no number or one too large.
 std::size_t parseMetaInterval(std::string_view value);
 IcyDemux makeIcyDemux(std::size_t interval);

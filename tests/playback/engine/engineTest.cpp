@@ -316,6 +316,8 @@ TEST_F(Channels, WhatCannotLoadGivesTheZeroHandleItsErrorAndOneLineNamingIt) {
         {dir.write("notes.mp3", text), Stream, EngineError::FileFormat},
         {dir.write("noise.flac", noise), Stream, EngineError::FileFormat},
         {media::writeVideoOnly(path("video.mkv")), Stream, EngineError::FileFormat},
+        {media::writeSineWav(path("rate800kHz.wav"), {440.0, 0.01, 800000, 1, 0.5}), Stream,
+         EngineError::FileFormat, "its rate is past 768 kHz"},
         {dir.write("noise.xm", noise.substr(0, 4096)), Music, EngineError::FileFormat, badModule},
         {dir.write("text.mod", text), Music, EngineError::FileFormat, badModule},
         {dir.write("empty.it", ""), Music, EngineError::FileFormat, badModule},

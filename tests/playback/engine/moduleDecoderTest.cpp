@@ -20,6 +20,8 @@ const Format formats[] = {
      ".xm",
      media::writeXm,
      {.patterns = 3, .channels = 6, .rowsPerPattern = 48, .speed = 5, .bpm = 140}},
+    {"s3m", ".s3m", media::writeS3m, {.patterns = 2, .channels = 5}},
+    {"it", ".it", media::writeIt, {.patterns = 2, .channels = 7, .rowsPerPattern = 40}},
 };
 
 constexpr std::size_t chunkFrames = 1000;
