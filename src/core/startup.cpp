@@ -117,11 +117,9 @@ void buildListEntries(PlayerState& st) {
     }
 }
 
-void onMainWindowCreated(PlayerState& st) {
-    // The stored settings are read later, so versionCheck still has its default here: a stored
-    // false does not stop this check.
+void checkVersionAtStart(PlayerState& st, bool asked) {
     std::string latest;
-    if (st.versionCheck && checkForNewVersion(st.versionServer, latest))
+    if (asked && checkForNewVersion(st.versionServer, latest))
         host::openDialog(command::updateDialog);
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 struct PlayerState;
 
-// While the main window is being created, before anything is loaded: the version check.
-void onMainWindowCreated(PlayerState& st);
+// The start's version check, asked for while the main window is being created, before anything
+// is loaded, so `asked` is versionCheck's default there: a stored false does not stop it. It is
+// made once the first song plays, as the request holds the thread for up to 5 s.
+void checkVersionAtStart(PlayerState& st, bool asked);
 // From the seeding of rand() to the game controllers, once the window exists.
 void runEarlyStartup(PlayerState& st);
 // From the library cache to the first song and the game's exchange files. Runs once, with the

@@ -317,7 +317,9 @@ int runPlayer(int argc, char** argv) {
     window.screen()->setBitmaps(&bitmaps);
     QtBackend backend(*st, window);
     SdlControllers controllers;
-    onMainWindowCreated(*st);
+    // The start asks for the newest version at the window's creation, before the stored settings
+    // are read, and asks only once the first song plays: a slow web site must not hold it back.
+    const bool versionAsked = st->versionCheck;
     closeWindowOnQuitSignals(&window);
     closeWindowOnSessionEnd(&window);
     QIcon icon = makeAppIcon();
@@ -330,6 +332,7 @@ int runPlayer(int argc, char** argv) {
 
     runEarlyStartup(*st);
     runStartupSequence(*st);
+    checkVersionAtStart(*st, versionAsked);
     if (window.finishStartup()) {
         window.close();
         return 0;

@@ -56,7 +56,7 @@ TEST(VersionCheck, StartupOpensTheUpdateWindowOnlyForANewerVersion) {
         RecordingPlatform platform;
         PlayerState st;
         st.versionServer = server;
-        EXPECT_EQ(errorsOf([&] { onMainWindowCreated(st); }), line);
+        EXPECT_EQ(errorsOf([&] { checkVersionAtStart(st, true); }), line);
         EXPECT_EQ(platform.dialogs, line.empty() ? std::vector<int>{24} : std::vector<int>{});
     }
 }
