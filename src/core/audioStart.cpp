@@ -22,8 +22,8 @@ void showFontBox(FontBox box) {
         errorBox(fontBoxText(box));
 }
 
-void initAudioAtStartup(PlayerState&) {
-    if (!engineInit())
+void initAudioAtStartup(PlayerState& st) {
+    if (!engineInit(st.audioOutput))
         errorBox("Failed to initialize BASS library!");
 }
 

@@ -185,6 +185,11 @@ void afterRepaintTest(PlayerState& st) {
 }
 
 void seekActiveSong(PlayerState& st, double seconds) {
-    channelSetPosition(st.activeHandle, channelSecondsToBytes(st.activeHandle, seconds));
+    const ChannelHandle handle = st.activeHandle;
+    const bool ended = channelIsActive(handle) == ChannelState::Stopped;
+    // A module that has just played to its end stops before the end test moves on; moved back
+    // into the song it must play again, or the end test would wait for an end it never reaches.
+    if (channelSetPosition(handle, channelSecondsToBytes(handle, seconds)) && ended)
+        channelPlay(handle);
     host::notifyPlayerChanged(host::PlayerChange::Position);
 }

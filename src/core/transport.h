@@ -28,7 +28,8 @@ void previousPlaylist(PlayerState& st);
 // One step back through the history; nothing at the first row.
 void previousSong(PlayerState& st);
 // To seconds in the audible song: only that channel moves, the segment and the history stay, and
-// the end test catches a jump past the segment's end. The desktop hears of the jump.
+// the end test catches a jump past the segment's end. A song that ended by itself plays again
+// from there. The desktop hears of the jump.
 void seekActiveSong(PlayerState& st, double seconds);
 
 // The end of each repaint: the next song starts here when its segment is over.

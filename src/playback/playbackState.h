@@ -1,6 +1,7 @@
 #pragma once
 #include "library/libraryState.h"
 #include "library/records.h"
+#include "playback/engine/engine.h"
 #include "playback/engine/handle.h"
 #include "playback/loudnessState.h"
 #include "util/randomSources.h"
@@ -30,6 +31,10 @@ struct PlaybackState : LibraryState {
     int songsBeforeSoundfontChange = 1;
     int volumeToggleState = volumeToggleNone;
     float appliedVolume = 0.0f;
+
+    // Where the audio goes at every start of the audio: the device, or the null output that a
+    // soak or a test pulls from, so that Stop and Start keep to it.
+    AudioOutput audioOutput = AudioOutput::Device;
 
     // --- What plays: its family, and the song or station it came from.
     MusicType currentMusicType = 0;

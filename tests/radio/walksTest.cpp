@@ -5,6 +5,7 @@
 #include "core/windowEvents.h"
 #include "display/screen.h"
 #include "playback/radioFixture.h"
+#include "radio/segments.h"
 #include "support/recordingCanvas.h"
 
 #include <filesystem>
@@ -151,4 +152,17 @@ TEST_F(Walks, ListRowsChooseTheModeTheStationOrThePlaylistAndTransition) {
     }
     EXPECT_EQ(st.currentStation, 1);
     EXPECT_EQ(st.modePlaylist, 0);
+}
+
+// A module stops at its end up to a tick before the end test moves on; a seek back in that moment
+// must not leave it stopped at a position that the end test never takes for an end.
+TEST_F(Walks, ASeekIntoAModuleThatHasJustEndedPlaysItAgain) {
+    addPlaylists({module("m.mod")});
+    transition(2);
+    refreshPosition(st);
+    nullOutputPull(44100 * 8); // past its 7.68 s
+    ASSERT_EQ(int(channelIsActive(st.activeHandle)), int(ChannelState::Stopped));
+    seekActiveSong(st, 2.0);
+    advance(100);
+    EXPECT_EQ(int(channelIsActive(st.activeHandle)), int(ChannelState::Playing));
 }

@@ -100,8 +100,9 @@ bool writeSoundFont(const std::string& path, const SoundFontSpec& spec) {
         return false;
     std::string version;
     putLe(version, 2, 2), putLe(version, 1, 2);
+    // FluidSynth refuses an INFO text of odd size, as the SoundFont format asks for even ones.
     std::string info = chunk("ifil", version) + chunk("isng", std::string("EMU8000", 8)) +
-                       chunk("INAM", std::string("marble test font", 17));
+                       chunk("INAM", std::string("marble test font\0", 18));
     std::string body = "sfbk" + list("INFO", info) + list("sdta", chunk("smpl", sampleData(spec))) +
                        list("pdta", hydra(spec));
     std::string file = chunk("RIFF", body);
