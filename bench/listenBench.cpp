@@ -213,6 +213,11 @@ bool measure(const Figure& figure, const fs::path& folder, const fs::path& playe
         }
         return true;
     }
+    // A first start measures its song's loudness (seconds of a core, at idle priority), which a
+    // listener pays once per song and not every minute: that start is a warm-up, not a round.
+    if (figure.kind && cpuPerMinute(playerLaunch(player, data, folder / "player.log"), "Fading in",
+                                    std::string(figure.name) + " warm-up") < 0.0)
+        return false;
     for (int round = 0; round < rounds; ++round) {
         std::string tag = std::string(figure.name) + " round " + std::to_string(round + 1);
         double mine = cpuPerMinute(playerLaunch(player, data, folder / "player.log"),
