@@ -11,7 +11,7 @@ struct SoundFontSpec {
     double frequency = 440.0; // of the sample's wave, played back at key 69
 };
 
-// Writes the font; false when it cannot be written or the spec does not fit.
+// Writes the font; false when it cannot be written or its description does not fit the format.
 bool writeSoundFont(const std::string& path, const SoundFontSpec& spec = {});
 
 } // namespace media
