@@ -58,10 +58,6 @@ bool readArguments(std::istream& in, Arguments arguments, GameCommand& command) 
 
 } // namespace
 
-std::string commandFilePath(const GameLinkState& st) {
-    return joinPath(st.marbleTunnelPath, "/commands.txt");
-}
-
 std::string musicRunningPath(const GameLinkState& st) {
     return joinPath(st.marbleTunnelPath, "/MusicRunning.txt");
 }
@@ -81,11 +77,12 @@ void writeMusicRunning(const GameLinkState& st, const std::string& text) {
         logErr("Failed to open %s for writing.\n", path.c_str());
 }
 
-std::vector<std::string> readCommandFile(const GameLinkState& st) {
+std::vector<std::string> readCommandFile(GameLinkState& st) {
     std::vector<std::string> lines;
     if (st.marbleTunnelPath.empty())
         return lines;
-    const std::optional<std::string> bytes = takeFileContents(commandFilePath(st));
+    const std::optional<std::string> bytes =
+        st.gameFolder.take(st.marbleTunnelPath, "commands.txt");
     if (!bytes)
         return lines;
     std::size_t start = 0;

@@ -9,7 +9,6 @@ struct GameLinkState;
 // The game's folder holds three files: the game drops commands into commands.txt, the player
 // says in MusicRunning.txt whether it runs and publishes what plays in songInfo.txt. All three
 // are touched on the user-interface thread only, and never while marbleTunnelPath is empty.
-std::string commandFilePath(const GameLinkState& st);
 std::string musicRunningPath(const GameLinkState& st);
 std::string songInfoPath(const GameLinkState& st);
 
@@ -20,7 +19,7 @@ void writeMusicRunning(const GameLinkState& st, const std::string& text);
 // Takes the game's commands: the lines of commands.txt in file order (a line ends at byte 10;
 // a last line without one counts), and the file left empty. None, silently, when there is no
 // such file, when it is not a regular file or when it cannot be opened for reading and writing.
-std::vector<std::string> readCommandFile(const GameLinkState& st);
+std::vector<std::string> readCommandFile(GameLinkState& st);
 
 // One line of commands.txt, its word and its numbers read as a C++ stream reads them. The word
 // is compared exactly; what follows the last number is ignored.

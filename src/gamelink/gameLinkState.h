@@ -1,6 +1,7 @@
 #pragma once
 #include "display/displayState.h"
 #include "gamelink/songInfo.h"
+#include "util/plainFile.h"
 
 #include <string>
 
@@ -11,4 +12,6 @@ struct GameLinkState : DisplayState {
     // What the next write of songInfo.txt holds, and whether the last one failed and said so.
     SongInfo songInfo;
     bool songInfoUnwritable = false;
+    // The folder and songInfo.txt, kept open between the polls.
+    KeptFolder gameFolder;
 };

@@ -93,12 +93,11 @@ std::string encodeSongInfo(const SongInfo& info) {
 void writeSongInfo(GameLinkState& st) {
     if (st.marbleTunnelPath.empty())
         return;
-    const std::string path = songInfoPath(st);
     // 33 writes a second: a file that stays unwritable is named once, not in every tick.
-    if (overwriteFile(path, encodeSongInfo(st.songInfo))) {
+    if (st.gameFolder.overwrite(st.marbleTunnelPath, "songInfo.txt", encodeSongInfo(st.songInfo))) {
         st.songInfoUnwritable = false;
     } else if (!st.songInfoUnwritable) {
-        logErr("Unable to open file for writing: %s\n", path.c_str());
+        logErr("Unable to open file for writing: %s\n", songInfoPath(st).c_str());
         st.songInfoUnwritable = true;
     }
 }

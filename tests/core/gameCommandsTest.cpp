@@ -3,6 +3,7 @@
 #include "core/playerState.h"
 #include "core/transport.h"
 #include "core/windowEvents.h"
+#include "gamelink/songInfo.h"
 #include "library/model.h"
 #include "playback/fadeWorker.h"
 #include "support/output.h"
@@ -169,6 +170,31 @@ TEST(GameCommands, WithoutAGameFolderNoFileIsTouched) {
     p.tick("rawFav 8\n");
     EXPECT_EQ(std::tuple(p.st.rawFav, p.commandFile()), std::tuple(50, "rawFav 8\n"s));
     EXPECT_FALSE(fs::exists(p.game.path() / "songInfo.txt") || fs::exists("/songInfo.txt"));
+}
+
+// The folder and songInfo.txt stay open between the ticks. Whatever the game does to them, within
+// a second of ticks the record is back at its path and commands.txt is read there.
+TEST(GameCommands, TheLinkFindsItsFilesAgainAfterTheGameDeletesReplacesOrMovesThem) {
+    LinkedPlayer p;
+    const fs::path game = p.game.path(), info = game / "songInfo.txt";
+    const std::function<void()> doings[] = {
+        [&] { fs::remove(info); },
+        [&] { p.game.write("new", "x"), fs::rename(game / "new", info); },
+        [&] { fs::remove_all(game), fs::create_directory(game); },
+        [&] { fs::rename(game, game.string() + ".old"), fs::create_directory(game); },
+    };
+    int value = 1;
+    for (const auto& doing : doings) {
+        p.tick("");
+        doing();
+        for (int i = 0; i < 33; ++i)
+            p.tick("");
+        const std::string command = "rawFav " + std::to_string(++value) + "\n";
+        p.tick(command);
+        EXPECT_EQ(std::tuple(p.st.rawFav, p.commandFile()), std::tuple(value, ""s));
+        EXPECT_EQ(TempDir::read(info), encodeSongInfo(p.st.songInfo));
+    }
+    fs::remove_all(game.string() + ".old");
 }
 
 } // namespace
