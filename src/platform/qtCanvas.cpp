@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -64,7 +65,72 @@ void fillTiled(QPainter& painter, const QRect& area, const QImage& image) {
     painter.fillRect(area, QBrush(image));
 }
 
+// A blit lands on the pixels a drawing would only under a move by whole pixels.
+bool plainMove(const QPainter& painter) {
+    const QTransform t = painter.deviceTransform();
+    return t.type() <= QTransform::TxTranslate && t.dx() == std::floor(t.dx()) &&
+           t.dy() == std::floor(t.dy());
+}
+
+// Enough for a few screens' worth of panels and texts at the largest window; a clock or a
+// station title that keeps changing fills it slowly and starts it over.
+constexpr std::size_t cacheEntryLimit = 512;
+constexpr std::size_t cacheByteLimit = 32u << 20;
+
+std::string keyOf(const Paint& paint) {
+    const auto color = [](const std::optional<Color>& c) {
+        return c ? std::to_string(c->r) + "," + std::to_string(c->g) + "," + std::to_string(c->b)
+                 : std::string("-");
+    };
+    return color(paint.fill) + "|" + color(paint.pen) + "|" + std::to_string(paint.penWidth);
+}
+
+// A shape drawn by shape(box) on a transparent image with room for the pen beyond the box.
+template <typename Shape>
+PaintCache::Drawn drawnShape(const Box& box, const Paint& paint, Shape shape) {
+    const int margin = paint.pen ? std::max(paint.penWidth, 1) / 2 + 2 : 1;
+    PaintCache::Drawn drawn{QImage(box.width + 2 * margin, box.height + 2 * margin,
+                                   QImage::Format_ARGB32_Premultiplied),
+                            QPoint(-margin, -margin)};
+    drawn.image.fill(Qt::transparent);
+    QPainter painter(&drawn.image);
+    paintPath(painter, shape(Box{margin, margin, box.width, box.height}), paint);
+    return drawn;
+}
+
+QPainterPath ellipsePath(const Box& box) {
+    QPainterPath path;
+    path.addEllipse(QRectF(toQRect(box)));
+    return path;
+}
+
 } // namespace
+
+const PaintCache::Drawn* PaintCache::find(const std::string& key) const {
+    const auto it = drawn_.find(key);
+    return it == drawn_.end() ? nullptr : &it->second;
+}
+
+const PaintCache::Drawn& PaintCache::keep(const std::string& key, Drawn drawn) {
+    const auto bytes = static_cast<std::size_t>(drawn.image.sizeInBytes());
+    if (drawn_.size() >= cacheEntryLimit || bytes_ + bytes > cacheByteLimit) {
+        drawn_.clear();
+        bytes_ = 0;
+    }
+    bytes_ += bytes;
+    return drawn_.insert_or_assign(key, std::move(drawn)).first->second;
+}
+
+template <typename Make>
+bool QtCanvas::layCached(const Box& box, const std::string& key, Make make) {
+    if (!cache_ || !plainMove(painter_))
+        return false;
+    const PaintCache::Drawn* drawn = cache_->find(key);
+    if (!drawn)
+        drawn = &cache_->keep(key, make());
+    painter_.drawImage(QPoint(box.x, box.y) + drawn->offset, drawn->image);
+    return true;
+}
 
 void QtCanvas::fillRect(const Box& box, Color color) {
     if (!isEmpty(box))
@@ -94,18 +160,45 @@ void QtCanvas::drawText(const Box& box, const std::string& text, const TextStyle
     const int flags = (style.middle ? Qt::AlignVCenter : Qt::AlignTop) |
                       (style.wrapped ? Qt::TextWordWrap : Qt::TextSingleLine) |
                       (style.align == TextAlign::Center ? Qt::AlignHCenter : Qt::AlignLeft);
-    painter_.save();
-    painter_.setClipRect(toQRect(box), Qt::IntersectClip);
-    painter_.setFont(font.font);
-    painter_.setPen(toQColor(style.color));
-    painter_.drawText(toQRect(box), flags, decodeText(text));
-    painter_.restore();
+    const QString qtext = decodeText(text);
+    const QColor color = toQColor(style.color);
+    const std::string key = "t|" + style.font.family + "|" + std::to_string(style.font.size) + "|" +
+                            std::to_string(style.font.weight) + "|" + std::to_string(color.rgb()) +
+                            "|" + std::to_string(flags) + "|" + std::to_string(box.width) + "x" +
+                            std::to_string(box.height) + "|" + text;
+    // The text's own rectangle in the box, widened for glyphs that reach past their advances.
+    const auto make = [&] {
+        const QRect whole(0, 0, box.width, box.height);
+        const int spill = font.metrics.height() / 4 + 2;
+        const QRect ink =
+            font.metrics.boundingRect(whole, flags, qtext).adjusted(-spill, -spill, spill, spill) &
+            whole;
+        PaintCache::Drawn drawn{QImage(ink.size(), QImage::Format_ARGB32_Premultiplied),
+                                ink.topLeft()};
+        if (ink.isEmpty())
+            return drawn;
+        drawn.image.fill(Qt::transparent);
+        QPainter painter(&drawn.image);
+        painter.translate(-ink.topLeft());
+        painter.setFont(font.font);
+        painter.setPen(color);
+        painter.drawText(whole, flags, qtext);
+        return drawn;
+    };
+    if (!layCached(box, key, make)) {
+        painter_.save();
+        painter_.setClipRect(toQRect(box), Qt::IntersectClip);
+        painter_.setFont(font.font);
+        painter_.setPen(color);
+        painter_.drawText(toQRect(box), flags, qtext);
+        painter_.restore();
+    }
 }
 
 int QtCanvas::textWidth(const std::string& text, const Font& font) {
     if (text.empty())
         return 0;
-    return fonts_.make(font).metrics.horizontalAdvance(decodeText(text));
+    return fonts_.width(font, text);
 }
 
 // Squeezed, the whole tiles are laid as a texture, and the last column, the last row and their
@@ -140,16 +233,22 @@ void QtCanvas::tileBitmap(int bitmapId, const Box& area, int alpha, TileEdge edg
 }
 
 void QtCanvas::roundedRect(const Box& box, int diameter, const Paint& paint) {
-    if (!isEmpty(box))
-        paintPath(painter_, roundedPath(box, diameter), paint);
+    if (isEmpty(box))
+        return;
+    const auto shape = [diameter](const Box& at) { return roundedPath(at, diameter); };
+    const std::string key = "r|" + std::to_string(box.width) + "x" + std::to_string(box.height) +
+                            "|" + std::to_string(diameter) + "|" + keyOf(paint);
+    if (!layCached(box, key, [&] { return drawnShape(box, paint, shape); }))
+        paintPath(painter_, shape(box), paint);
 }
 
 void QtCanvas::ellipse(const Box& box, const Paint& paint) {
     if (isEmpty(box))
         return;
-    QPainterPath path;
-    path.addEllipse(QRectF(toQRect(box)));
-    paintPath(painter_, path, paint);
+    const std::string key =
+        "e|" + std::to_string(box.width) + "x" + std::to_string(box.height) + "|" + keyOf(paint);
+    if (!layCached(box, key, [&] { return drawnShape(box, paint, ellipsePath); }))
+        paintPath(painter_, ellipsePath(box), paint);
 }
 
 void QtCanvas::clipRounded(const Box& box, int diameter) {

@@ -73,3 +73,17 @@ const MadeFont& FontCache::make(const Font& font) {
     QFontMetrics metrics(qfont);
     return fonts_.emplace(std::move(key), MadeFont{qfont, metrics}).first->second;
 }
+
+int FontCache::width(const Font& font, const std::string& text) {
+    // The fitting of a headline measures it at each size down from its largest.
+    constexpr std::size_t widthCacheLimit = 4096;
+    std::string key = font.family + "|" + std::to_string(font.size) + "|" +
+                      std::to_string(font.weight) + "|" + text;
+    if (auto it = widths_.find(key); it != widths_.end())
+        return it->second;
+    if (widths_.size() >= widthCacheLimit)
+        widths_.clear();
+    const int advance = make(font).metrics.horizontalAdvance(decodeText(text));
+    widths_.emplace(std::move(key), advance);
+    return advance;
+}

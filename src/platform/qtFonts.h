@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 #include <tuple>
+#include <unordered_map>
 
 // Points the families the screen asks for at fonts Debian ships: "Arial" at Liberation Sans, the
 // two symbol families at Symbola before DejaVu Sans, so that no colour emoji font (which ignores
@@ -27,7 +28,10 @@ class FontCache {
   public:
     // A font whose ascent plus descent is font.size pixels (at least 1), give or take one.
     const MadeFont& make(const Font& font);
+    // The advance width of text on one line in font, shaped once.
+    int width(const Font& font, const std::string& text);
 
   private:
     std::map<std::tuple<std::string, int, int>, MadeFont> fonts_;
+    std::unordered_map<std::string, int> widths_;
 };

@@ -79,7 +79,7 @@ void ScreenWidget::composeFrame() {
     }
     {
         QPainter painter(&backBuffer_);
-        QtCanvas canvas(painter, width(), height(), fonts_, bitmaps_);
+        QtCanvas canvas(painter, width(), height(), fonts_, bitmaps_, &paintCache_);
         onPaint(st_, canvas);
     } // the painter lets the buffer go before the end test runs
     std::swap(backBuffer_, frame_);

@@ -1,5 +1,6 @@
 #pragma once
 #include "core/hostPort.h"
+#include "platform/qtCanvas.h"
 #include "platform/qtFonts.h"
 
 #include <QImage>
@@ -34,6 +35,7 @@ class ScreenWidget : public QWidget {
     PlayerState& st_;
     const QtBitmapStore* bitmaps_ = nullptr;
     FontCache fonts_;
+    PaintCache paintCache_;
     QImage backBuffer_; // drawn by the pass
     QImage frame_;      // the last whole frame, what the widget shows
     bool inPass_ = false;

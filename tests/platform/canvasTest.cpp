@@ -17,10 +17,12 @@ struct Surface {
     QImage image{100, 60, QImage::Format_ARGB32_Premultiplied};
     FontCache fonts;
     QtBitmapStore bitmaps;
+    PaintCache* cache = nullptr;
     Surface() { image.fill(Qt::white); }
-    template <typename Draw> void draw(Draw draw) {
+    template <typename Draw> void draw(Draw draw, QPoint moved = {}) {
         QPainter painter(&image);
-        QtCanvas canvas(painter, image.width(), image.height(), fonts, &bitmaps);
+        painter.translate(moved);
+        QtCanvas canvas(painter, image.width(), image.height(), fonts, &bitmaps, cache);
         draw(canvas);
     }
     // Within a few steps per channel, for anti-aliased edges.
@@ -136,6 +138,39 @@ TEST(CanvasShapes, FillsOutlinesAndRoundedClipLandOnTheirPixels) {
         {10, 55, white}, {88, 50, yellow}, {80, 42, white}};
     for (const auto& [x, y, color] : pixels)
         EXPECT_TRUE(s.near(x, y, color)) << x << "," << y;
+}
+
+// Laid from the cache, a frame is the frame drawn in place but for rounding, at its first pass,
+// at the next, moved by whole pixels, and with a text that changed in between.
+TEST(PaintCache, FramesLaidFromItAreFramesDrawnInPlace) {
+    const auto frame = [](const std::string& clock) {
+        return [clock](Canvas& canvas) {
+            canvas.roundedRect({10, 10, 40, 30}, 20, {green, blue, 2});
+            canvas.ellipse({60, 10, 30, 30}, {red, blue, 2});
+            canvas.drawText({5, 2, 90, 20}, "Headline",
+                            {{"Arial", 14, boldWeight}, black, TextAlign::Center, true, false});
+            canvas.drawText({5, 30, 90, 28}, "Time: " + clock + ", and the words wrap",
+                            {{"Arial", 10}, blue, TextAlign::Left, false, true});
+        };
+    };
+    PaintCache cache;
+    for (const auto& [clock, moved] : {std::pair("00:01", QPoint()),
+                                       {"00:01", QPoint()},
+                                       {"00:01", QPoint(3, -2)},
+                                       {"00:02", QPoint()}}) {
+        Surface inPlace, laid;
+        laid.cache = &cache;
+        inPlace.draw(frame(clock), moved);
+        laid.draw(frame(clock), moved);
+        int most = 0;
+        for (int y = 0; y < laid.image.height(); ++y)
+            for (int x = 0; x < laid.image.width(); ++x) {
+                const QColor a = laid.image.pixelColor(x, y), b = inPlace.image.pixelColor(x, y);
+                most = std::max({most, std::abs(a.red() - b.red()), std::abs(a.green() - b.green()),
+                                 std::abs(a.blue() - b.blue())});
+            }
+        EXPECT_LE(most, 2) << clock << " moved " << moved.x();
+    }
 }
 
 // A PNG named ".bmp", a cut bitmap and a folder are refused by the texture scan's test.
