@@ -402,9 +402,10 @@ bool channelSlideVolume(ChannelHandle handle, float target, int milliseconds) {
 
 bool channelSetGain(ChannelHandle handle, float decibels, int milliseconds) {
     return withChannel(handle, false, [=](Channel& ch, Slot&) {
-        if (!std::isfinite(decibels))
-            return fail(EngineError::IllegalParam, false);
+        // Past about +770 dB the factor overflows a float, and an infinity would reach the mix.
         float factor = decibels == 0.0f ? 1.0f : std::pow(10.0f, decibels / 20.0f);
+        if (!std::isfinite(decibels) || !std::isfinite(factor))
+            return fail(EngineError::IllegalParam, false);
         std::uint64_t now = ch.played.load(std::memory_order_acquire);
         float from = now == 0 ? factor : ch.gain.load().at(now);
         ch.gain.store(VolumeRamp{from, factor, now, now == 0 ? 0 : msToFrames(milliseconds)});

@@ -1,6 +1,7 @@
 #include "playback/engine/engineFixture.h"
 
 #include <atomic>
+#include <cmath>
 #include <filesystem>
 #include <random>
 #include <thread>
@@ -227,15 +228,20 @@ TEST_F(Channels, SlidesMoveSampleBySampleTwoAtOnceAndASetVolumeEndsOne) {
     EXPECT_EQ(volumeOf(up), 1.0f);
 }
 
-// One NaN or infinity in a volume would reach the shared output and silence every channel.
+// One NaN or infinity in a volume or gain would reach the shared output and silence every channel.
 TEST_F(Channels, ANaNOrInfiniteVolumeIsRefusedAndTheSongPlaysOnAtItsLevel) {
     ChannelHandle song = streamCreateFile(sine("a.flac", 2.0));
     ASSERT_TRUE(channelSetVolume(song, 0.5f));
     ASSERT_TRUE(channelPlay(song));
-    for (bool slide : {false, true}) {
-        for (float bad : {NAN, INFINITY, -INFINITY}) {
-            SCOPED_TRACE(testing::Message() << (slide ? "slide to " : "set to ") << bad);
-            EXPECT_FALSE(slide ? channelSlideVolume(song, bad, 100) : channelSetVolume(song, bad));
+    for (int how : {0, 1, 2}) {
+        // 800 dB is finite, but its factor is not.
+        for (float bad : {NAN, INFINITY, -INFINITY, 800.0f}) {
+            SCOPED_TRACE(testing::Message() << "setter " << how << ": " << bad);
+            if (how < 2 && std::isfinite(bad))
+                continue;
+            EXPECT_FALSE(how == 0   ? channelSetVolume(song, bad)
+                         : how == 1 ? channelSlideVolume(song, bad, 100)
+                                    : channelSetGain(song, bad, 0));
             EXPECT_EQ(engineErrorCode(), EngineError::IllegalParam);
             EXPECT_EQ(volumeOf(song), 0.5f);
             EXPECT_NEAR(peak(nullOutputPull(4410)), 0.25f, 2e-3);
