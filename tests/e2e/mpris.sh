@@ -96,6 +96,14 @@ pid=""
 [ "$code" -eq 0 ] || fail "Quit ended the player with $code"
 grep -q '"volumeLevel": 0.3' "$work/game/data/MusicSettings.json" || fail "the volume was not saved"
 
+# The bus frees a name when it hears the old connection hang up, which under load can come after
+# the next player has asked for it.
+nameFree() {
+    gdbus call --session -d org.freedesktop.DBus -o /org/freedesktop/DBus \
+        -m org.freedesktop.DBus.NameHasOwner "$name" | grep -q false
+}
+waitUpTo 100 nameFree || fail "the bus kept the name of a player that had quit"
+
 # Two data folders side by side: each player holds a name of its own.
 makeSineLibrary "$work/other" || fail "ffmpeg could not make a song"
 start "$work/game/data" >"$log" 2>&1 &
