@@ -160,14 +160,13 @@ void QtCanvas::drawText(const Box& box, const std::string& text, const TextStyle
     const int flags = (style.middle ? Qt::AlignVCenter : Qt::AlignTop) |
                       (style.wrapped ? Qt::TextWordWrap : Qt::TextSingleLine) |
                       (style.align == TextAlign::Center ? Qt::AlignHCenter : Qt::AlignLeft);
-    const QString qtext = decodeText(text);
     const QColor color = toQColor(style.color);
-    const std::string key = "t|" + style.font.family + "|" + std::to_string(style.font.size) + "|" +
-                            std::to_string(style.font.weight) + "|" + std::to_string(color.rgb()) +
-                            "|" + std::to_string(flags) + "|" + std::to_string(box.width) + "x" +
+    const std::string key = "t|" + fontKey(style.font) + "|" + std::to_string(color.rgb()) + "|" +
+                            std::to_string(flags) + "|" + std::to_string(box.width) + "x" +
                             std::to_string(box.height) + "|" + text;
     // The text's own rectangle in the box, widened for glyphs that reach past their advances.
     const auto make = [&] {
+        const QString qtext = decodeText(text);
         const QRect whole(0, 0, box.width, box.height);
         const int spill = font.metrics.height() / 4 + 2;
         const QRect ink =
@@ -190,7 +189,7 @@ void QtCanvas::drawText(const Box& box, const std::string& text, const TextStyle
         painter_.setClipRect(toQRect(box), Qt::IntersectClip);
         painter_.setFont(font.font);
         painter_.setPen(color);
-        painter_.drawText(toQRect(box), flags, qtext);
+        painter_.drawText(toQRect(box), flags, decodeText(text));
         painter_.restore();
     }
 }

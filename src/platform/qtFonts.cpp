@@ -74,11 +74,14 @@ const MadeFont& FontCache::make(const Font& font) {
     return fonts_.emplace(std::move(key), MadeFont{qfont, metrics}).first->second;
 }
 
+std::string fontKey(const Font& font) {
+    return font.family + "|" + std::to_string(font.size) + "|" + std::to_string(font.weight);
+}
+
 int FontCache::width(const Font& font, const std::string& text) {
     // The fitting of a headline measures it at each size down from its largest.
     constexpr std::size_t widthCacheLimit = 4096;
-    std::string key = font.family + "|" + std::to_string(font.size) + "|" +
-                      std::to_string(font.weight) + "|" + text;
+    std::string key = fontKey(font) + "|" + text;
     if (auto it = widths_.find(key); it != widths_.end())
         return it->second;
     if (widths_.size() >= widthCacheLimit)

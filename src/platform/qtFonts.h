@@ -16,6 +16,8 @@ void installFontSubstitutions();
 
 // The logic's text as Qt draws it: UTF-8, each byte that starts no valid sequence read as Latin-1.
 QString decodeText(const std::string& text);
+// The font's family, size and weight as one string, for the keys of what is kept per font.
+std::string fontKey(const Font& font);
 
 struct MadeFont {
     QFont font;

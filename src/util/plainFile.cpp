@@ -41,10 +41,12 @@ bool readToEnd(int fd, std::string& bytes) {
     }
 }
 
-bool writeAll(int fd, std::string_view bytes) {
+bool writeAll(int fd, std::string_view bytes, off_t at) {
     std::size_t done = 0;
     while (done < bytes.size()) {
-        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+        const ssize_t n = at < 0 ? ::write(fd, bytes.data() + done, bytes.size() - done)
+                                 : ::pwrite(fd, bytes.data() + done, bytes.size() - done,
+                                            at + static_cast<off_t>(done));
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0)
@@ -137,21 +139,10 @@ bool KeptFolder::overwrite(const std::string& path, const char* name, std::strin
         if (attempt == 1 || open(path) < 0)
             return false;
     }
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t n = ::pwrite(written_.get(), bytes.data() + done, bytes.size() - done,
-                                   static_cast<off_t>(done));
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0) {
-            close();
-            return false;
-        }
-        done += static_cast<std::size_t>(n);
-    }
     // Cutting a file to the length it has already costs an inode update at every call.
-    if (info.st_size > static_cast<off_t>(bytes.size()) &&
-        ::ftruncate(written_.get(), static_cast<off_t>(bytes.size())) != 0) {
+    if (!writeAll(written_.get(), bytes, 0) ||
+        (info.st_size > static_cast<off_t>(bytes.size()) &&
+         ::ftruncate(written_.get(), static_cast<off_t>(bytes.size())) != 0)) {
         close();
         return false;
     }

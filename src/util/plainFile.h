@@ -35,8 +35,9 @@ RegularOpen openRegularFile(const std::string& path, int flags, FileDescriptor& 
                             int folder = AT_FDCWD);
 // Reads on to the end of the file, appending; false on a read error (what came before stays).
 bool readToEnd(int fd, std::string& bytes);
-// Writes all the bytes, again after an interruption; false on an error.
-bool writeAll(int fd, std::string_view bytes);
+// Writes all the bytes, again after an interruption, at the file's offset or, given one, at
+// byte at of the file; false on an error.
+bool writeAll(int fd, std::string_view bytes, off_t at = -1);
 
 // Files that another program shares with the player without any locking, read and written in
 // place. Neither call blocks on a FIFO or a device, so both are safe on the user-interface thread.
