@@ -5,6 +5,8 @@ work="$(mktemp -d)"
 pid=""
 trap '[ -n "$pid" ] && kill -9 "$pid" 2>/dev/null; rm -rf "$work"' EXIT
 log="$work/player.log"
+# Qt keeps its file dialog's last folders there: a run neither reads another's nor writes the user's.
+export XDG_CONFIG_HOME="$work/config"
 fail() { echo "FAIL: $*"; cat "$log" 2>/dev/null; exit 1; }
 # Waits up to $1 tenths of a second for the command to succeed, while the player runs.
 waitUpTo() {
