@@ -224,12 +224,14 @@ constexpr int drumChannel = 9;
 
 } // namespace
 
-MidiSong bandSong(double seconds) {
+MidiSong bandSong(double seconds, double laterBpm) {
     MidiSong song;
-    song.tempos = {{0.0, 120.0}, {seconds / 2, 84.0}};
+    song.tempos = {{0.0, 120.0}};
+    if (laterBpm != 120.0)
+        song.tempos.push_back({seconds / 2, laterBpm});
     song.programs = {{0, 0}, {1, 33}, {2, 48}, {drumChannel, 0}};
     song.end = seconds;
-    forEachBeat(seconds, 120.0, 84.0, [&](double t, int beat, double beatSeconds) {
+    forEachBeat(seconds, 120.0, laterBpm, [&](double t, int beat, double beatSeconds) {
         int root = chordRoots[(beat / 4) % 4];
         int third = root == 57 ? 3 : 4;
         for (int offset : {0, third, 7})

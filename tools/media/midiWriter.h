@@ -43,8 +43,8 @@ struct MidiSong {
 std::optional<double> writeMidi(const std::string& path, const MidiSong& song);
 
 // A small band that plays for `seconds`: piano chords, bass, strings and drums on channel 10, at
-// 120 bpm and then 84 bpm from the middle on. Something sounds at every moment but the last beat.
-MidiSong bandSong(double seconds);
+// 120 bpm and then laterBpm from the middle on. Something sounds at every moment but the last beat.
+MidiSong bandSong(double seconds, double laterBpm = 84.0);
 
 // Dense General MIDI for benchmarks: all 16 channels, each melodic one with its own program and a
 // four-note chord on every beat that overlaps the next, drums in eighths; the same seed gives the
