@@ -108,6 +108,10 @@ class SoundFont {
 namespace {
 
 constexpr std::size_t blockFrames = 64; // FluidSynth renders, and its player ticks, per block
+// What the synth is asked for at a time. FluidSynth runs its reverb and chorus once per call, each
+// time through an OpenMP region whose start and end cost system calls; one call per block cost a
+// listener more than all the rest of the player's own work while a MIDI song plays.
+constexpr std::size_t batchFrames = 16 * blockFrames;
 
 std::uint64_t framesAt(const MidiTiming& timing, std::uint64_t tick) {
     return static_cast<std::uint64_t>(std::llround(timing.secondsAt(double(tick)) * engineRate));
@@ -184,21 +188,21 @@ class FluidMidiDecoder final : public MidiDecoder {
     SettingsPtr settings_; // then synth, then player: each dies before what it uses
     SynthPtr synth_;
     PlayerPtr player_;
-    // The synth is only ever asked for whole blocks, so that nothing it rendered before a seek
-    // can come out after it; the rest of a block waits here.
-    std::array<float, 2 * blockFrames> staging_{};
+    // The synth is only ever asked for whole batches, so that nothing it rendered before a seek
+    // can come out after it; the rest of a batch waits here.
+    std::array<float, 2 * batchFrames> staging_{};
     std::size_t stagingAt_ = 0;
     std::size_t stagingLeft_ = 0;
 };
 
-// One block per call: given many, FluidSynth renders them in one go and, once the voices run out,
-// steals different ones than block by block. Block by block, the audio does not depend on how the
-// engine sizes its reads, and is the fluidsynth command's, sample for sample.
+// One batch per call: given more, FluidSynth renders them in one go and, once the voices run
+// out, steals different ones than batch by batch. Batch by batch, the audio does not depend on
+// how the engine sizes its reads. Within a call, notes still start on their own block.
 void FluidMidiDecoder::synthesize(float* out, std::size_t frames) {
-    for (; frames > 0; frames -= blockFrames, out += 2 * blockFrames)
-        if (fluid_synth_write_float(synth_.get(), int(blockFrames), out, 0, 2, out, 1, 2) !=
+    for (; frames > 0; frames -= batchFrames, out += 2 * batchFrames)
+        if (fluid_synth_write_float(synth_.get(), int(batchFrames), out, 0, 2, out, 1, 2) !=
             FLUID_OK)
-            std::fill(out, out + 2 * blockFrames, 0.0f);
+            std::fill(out, out + 2 * batchFrames, 0.0f);
 }
 
 void FluidMidiDecoder::pull(float* out, std::size_t frames) {
@@ -210,15 +214,15 @@ void FluidMidiDecoder::pull(float* out, std::size_t frames) {
             stagingLeft_ -= count;
             out += 2 * count;
             frames -= count;
-        } else if (frames >= blockFrames) {
-            std::size_t whole = frames - frames % blockFrames;
+        } else if (frames >= batchFrames) {
+            std::size_t whole = frames - frames % batchFrames;
             synthesize(out, whole);
             out += 2 * whole;
             frames -= whole;
         } else {
-            synthesize(staging_.data(), blockFrames);
+            synthesize(staging_.data(), batchFrames);
             stagingAt_ = 0;
-            stagingLeft_ = blockFrames;
+            stagingLeft_ = batchFrames;
         }
     }
 }
@@ -228,12 +232,12 @@ void FluidMidiDecoder::pull(float* out, std::size_t frames) {
 // rendered out here, unheard, and a second reset clears the reverb and chorus they fed.
 void FluidMidiDecoder::silence() {
     fluid_synth_system_reset(synth_.get());
-    constexpr float quiet = 1e-4f;                               // -80 dB
-    constexpr std::size_t mostBlocks = engineRate / blockFrames; // a second, for endless releases
-    std::array<float, 2 * blockFrames> block;
-    for (std::size_t n = 0; n < mostBlocks && fluid_synth_get_active_voice_count(synth_.get()) > 0;
+    constexpr float quiet = 1e-4f;                                // -80 dB
+    constexpr std::size_t mostBatches = engineRate / batchFrames; // a second, for endless releases
+    std::array<float, 2 * batchFrames> block;
+    for (std::size_t n = 0; n < mostBatches && fluid_synth_get_active_voice_count(synth_.get()) > 0;
          ++n) {
-        synthesize(block.data(), blockFrames);
+        synthesize(block.data(), batchFrames);
         if (std::all_of(block.begin(), block.end(), [](float v) { return std::fabs(v) < quiet; }))
             break;
     }
@@ -267,7 +271,7 @@ bool FluidMidiDecoder::restart(std::uint64_t frame) {
         return false;
     player_ = std::move(player);
     std::uint64_t skip = frame - std::min(frame, framesAt(timing_, tick));
-    std::array<float, 2 * blockFrames * 16> dropped;
+    std::array<float, 2 * batchFrames> dropped;
     while (skip > 0) {
         std::size_t count = std::min<std::size_t>(skip, dropped.size() / 2);
         pull(dropped.data(), count);
