@@ -2,7 +2,7 @@
 // offscreen platform), from its exec to the first non-zero sample it hands to the audio device,
 // with a library of 10,000 songs in its cache; target 250 ms, median of 5. The device is SDL's
 // disk driver writing into a FIFO that this program reads, so the moment a sample arrives is the
-// moment the player handed it over (the driver's own pace, one buffer of 1024 frames, stays as a
+// moment the player handed it over (the driver's own pace, one buffer of 2048 frames, stays as a
 // real device's would). start-to-first-audio-1 is the same player on a library of one song, its
 // bare start, run in turn with the first, so that the two rows show what 10,000 songs add.
 //

@@ -116,7 +116,9 @@ class DeviceOutput : public Output {
         want.freq = engineRate;
         want.format = AUDIO_F32SYS;
         want.channels = 2;
-        want.samples = 1024;
+        // 46 ms a buffer: half the wake-ups of SDL's audio thread that 1024 frames cost, and
+        // still less than anyone hears after a pause or a volume step.
+        want.samples = 2048;
         want.callback = &DeviceOutput::callback;
         want.userdata = this;
         SDL_AudioSpec have{};
