@@ -54,7 +54,7 @@ bool loadTextures(PlayerState& st, const fs::path& folder) {
 
 double medianPassMs(PlayerState& st, int width, int height, const QtBitmapStore& bitmaps) {
     onResize(st, width, height);
-    QImage buffer(width, height, QImage::Format_ARGB32_Premultiplied);
+    QImage buffer(width, height, QImage::Format_RGB32);
     FontCache fonts;
     PaintCache cache;
     std::vector<double> ms;

@@ -65,6 +65,36 @@ void fillTiled(QPainter& painter, const QRect& area, const QImage& image) {
     painter.fillRect(area, QBrush(image));
 }
 
+// The smallest rectangle that holds every pixel of the image that is not fully transparent.
+QRect inkOf(const QImage& image) {
+    const auto rowHasInk = [&](int y) {
+        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        return std::any_of(row, row + image.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; });
+    };
+    int top = 0, bottom = image.height() - 1;
+    while (top <= bottom && !rowHasInk(top))
+        ++top;
+    while (bottom > top && !rowHasInk(bottom))
+        --bottom;
+    if (top > bottom)
+        return {};
+    int left = image.width(), right = -1;
+    for (int y = top; y <= bottom; ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        for (int x = 0; x < left; ++x)
+            if (qAlpha(row[x]) != 0) {
+                left = x;
+                break;
+            }
+        for (int x = image.width() - 1; x > right; --x)
+            if (qAlpha(row[x]) != 0) {
+                right = x;
+                break;
+            }
+    }
+    return QRect(QPoint(left, top), QPoint(right, bottom));
+}
+
 // A blit lands on the pixels a drawing would only under a move by whole pixels.
 bool plainMove(const QPainter& painter) {
     const QTransform t = painter.deviceTransform();
@@ -164,25 +194,19 @@ void QtCanvas::drawText(const Box& box, const std::string& text, const TextStyle
     const std::string key = "t|" + fontKey(style.font) + "|" + std::to_string(color.rgb()) + "|" +
                             std::to_string(flags) + "|" + std::to_string(box.width) + "x" +
                             std::to_string(box.height) + "|" + text;
-    // The text's own rectangle in the box, widened for glyphs that reach past their advances.
+    // Laid out once, on an image of the whole box, and cut to its ink: measuring the text first
+    // would lay it out twice, and a clock's text is made anew every second.
     const auto make = [&] {
-        const QString qtext = decodeText(text);
-        const QRect whole(0, 0, box.width, box.height);
-        const int spill = font.metrics.height() / 4 + 2;
-        const QRect ink =
-            font.metrics.boundingRect(whole, flags, qtext).adjusted(-spill, -spill, spill, spill) &
-            whole;
-        PaintCache::Drawn drawn{QImage(ink.size(), QImage::Format_ARGB32_Premultiplied),
-                                ink.topLeft()};
-        if (ink.isEmpty())
-            return drawn;
-        drawn.image.fill(Qt::transparent);
-        QPainter painter(&drawn.image);
-        painter.translate(-ink.topLeft());
-        painter.setFont(font.font);
-        painter.setPen(color);
-        painter.drawText(whole, flags, qtext);
-        return drawn;
+        QImage whole(box.width, box.height, QImage::Format_ARGB32_Premultiplied);
+        whole.fill(Qt::transparent);
+        {
+            QPainter painter(&whole);
+            painter.setFont(font.font);
+            painter.setPen(color);
+            painter.drawText(whole.rect(), flags, decodeText(text));
+        }
+        const QRect ink = inkOf(whole);
+        return PaintCache::Drawn{ink.isEmpty() ? QImage() : whole.copy(ink), ink.topLeft()};
     };
     if (!layCached(box, key, make)) {
         painter_.save();
@@ -206,8 +230,23 @@ void QtCanvas::tileBitmap(int bitmapId, const Box& area, int alpha, TileEdge edg
     const QImage* image = bitmaps_ ? bitmaps_->find(bitmapId) : nullptr;
     if (!image || image->isNull() || alpha <= 0 || isEmpty(area))
         return;
+    const qreal opacity = std::min(alpha, 255) / 255.0;
+    // A see-through tiling is the slowest fill there is, and a background is tiled at every pass.
+    const std::string key = "b|" + std::to_string(image->cacheKey()) + "|" +
+                            std::to_string(area.width) + "x" + std::to_string(area.height) + "|" +
+                            std::to_string(alpha);
+    if (edge == TileEdge::Clip && layCached(area, key, [&] {
+            PaintCache::Drawn drawn{
+                QImage(area.width, area.height, QImage::Format_ARGB32_Premultiplied), QPoint()};
+            drawn.image.fill(Qt::transparent);
+            QPainter painter(&drawn.image);
+            painter.setOpacity(opacity);
+            fillTiled(painter, drawn.image.rect(), *image);
+            return drawn;
+        }))
+        return;
     painter_.save();
-    painter_.setOpacity(std::min(alpha, 255) / 255.0);
+    painter_.setOpacity(opacity);
     if (edge == TileEdge::Clip) {
         fillTiled(painter_, toQRect(area), *image);
     } else {

@@ -73,7 +73,8 @@ void ScreenWidget::composeFrame() {
     const qreal ratio = devicePixelRatioF();
     const QSize pixels = size() * ratio;
     if (backBuffer_.size() != pixels || backBuffer_.devicePixelRatio() != ratio) {
-        backBuffer_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+        // Opaque, as the window is: laid on the backing store by a plain copy.
+        backBuffer_ = QImage(pixels, QImage::Format_RGB32);
         backBuffer_.setDevicePixelRatio(ratio);
         backBuffer_.fill(Qt::black);
     }

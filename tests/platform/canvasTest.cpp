@@ -143,8 +143,15 @@ TEST(CanvasShapes, FillsOutlinesAndRoundedClipLandOnTheirPixels) {
 // Laid from the cache, a frame is the frame drawn in place but for rounding, at its first pass,
 // at the next, moved by whole pixels, and with a text that changed in between.
 TEST(PaintCache, FramesLaidFromItAreFramesDrawnInPlace) {
-    const auto frame = [](const std::string& clock) {
-        return [clock](Canvas& canvas) {
+    TempDir dir;
+    QImage stripes(6, 5, QImage::Format_RGB32);
+    for (int x = 0; x < stripes.width(); ++x)
+        for (int y = 0; y < stripes.height(); ++y)
+            stripes.setPixelColor(x, y, x % 3 ? QColor(200, 40, 90) : QColor(20, 160, 60));
+    ASSERT_TRUE(stripes.save(QString::fromStdString(dir.str() + "/s.bmp"), "BMP"));
+    const auto frame = [](const std::string& clock, int texture) {
+        return [clock, texture](Canvas& canvas) {
+            canvas.tileBitmap(texture, {0, 0, 100, 60}, 90, TileEdge::Clip);
             canvas.roundedRect({10, 10, 40, 30}, 20, {green, blue, 2});
             canvas.ellipse({60, 10, 30, 30}, {red, blue, 2});
             canvas.drawText({5, 2, 90, 20}, "Headline",
@@ -154,14 +161,18 @@ TEST(PaintCache, FramesLaidFromItAreFramesDrawnInPlace) {
         };
     };
     PaintCache cache;
+    Surface inPlace, laid;
+    laid.cache = &cache;
+    const int inPlaceTexture = inPlace.bitmaps.load(dir.str() + "/s.bmp").value().id;
+    const int laidTexture = laid.bitmaps.load(dir.str() + "/s.bmp").value().id;
     for (const auto& [clock, moved] : {std::pair("00:01", QPoint()),
                                        {"00:01", QPoint()},
                                        {"00:01", QPoint(3, -2)},
                                        {"00:02", QPoint()}}) {
-        Surface inPlace, laid;
-        laid.cache = &cache;
-        inPlace.draw(frame(clock), moved);
-        laid.draw(frame(clock), moved);
+        inPlace.image.fill(Qt::white);
+        laid.image.fill(Qt::white);
+        inPlace.draw(frame(clock, inPlaceTexture), moved);
+        laid.draw(frame(clock, laidTexture), moved);
         int most = 0;
         for (int y = 0; y < laid.image.height(); ++y)
             for (int x = 0; x < laid.image.width(); ++x) {
