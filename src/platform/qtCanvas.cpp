@@ -232,18 +232,20 @@ void QtCanvas::tileBitmap(int bitmapId, const Box& area, int alpha, TileEdge edg
         return;
     const qreal opacity = std::min(alpha, 255) / 255.0;
     // A see-through tiling is the slowest fill there is, and a background is tiled at every pass.
-    const std::string key = "b|" + std::to_string(image->cacheKey()) + "|" +
-                            std::to_string(area.width) + "x" + std::to_string(area.height) + "|" +
-                            std::to_string(alpha);
-    if (edge == TileEdge::Clip && layCached(area, key, [&] {
-            PaintCache::Drawn drawn{
-                QImage(area.width, area.height, QImage::Format_ARGB32_Premultiplied), QPoint()};
-            drawn.image.fill(Qt::transparent);
-            QPainter painter(&drawn.image);
-            painter.setOpacity(opacity);
-            fillTiled(painter, drawn.image.rect(), *image);
-            return drawn;
-        }))
+    const auto tiled = [&] {
+        PaintCache::Drawn drawn{
+            QImage(area.width, area.height, QImage::Format_ARGB32_Premultiplied), QPoint()};
+        drawn.image.fill(Qt::transparent);
+        QPainter painter(&drawn.image);
+        painter.setOpacity(opacity);
+        fillTiled(painter, drawn.image.rect(), *image);
+        return drawn;
+    };
+    if (edge == TileEdge::Clip &&
+        layCached(area,
+                  "b|" + std::to_string(image->cacheKey()) + "|" + std::to_string(area.width) +
+                      "x" + std::to_string(area.height) + "|" + std::to_string(alpha),
+                  tiled))
         return;
     painter_.save();
     painter_.setOpacity(opacity);

@@ -234,11 +234,11 @@ void FluidMidiDecoder::silence() {
     fluid_synth_system_reset(synth_.get());
     constexpr float quiet = 1e-4f;                                // -80 dB
     constexpr std::size_t mostBatches = engineRate / batchFrames; // a second, for endless releases
-    std::array<float, 2 * batchFrames> block;
+    std::array<float, 2 * batchFrames> batch;
     for (std::size_t n = 0; n < mostBatches && fluid_synth_get_active_voice_count(synth_.get()) > 0;
          ++n) {
-        synthesize(block.data(), batchFrames);
-        if (std::all_of(block.begin(), block.end(), [](float v) { return std::fabs(v) < quiet; }))
+        synthesize(batch.data(), batchFrames);
+        if (std::all_of(batch.begin(), batch.end(), [](float v) { return std::fabs(v) < quiet; }))
             break;
     }
     fluid_synth_system_reset(synth_.get());
