@@ -39,6 +39,11 @@ void logFluidError(int, const char* message, void*) {
 // are done here, once, before any other FluidSynth object. Its errors stay visible; its warnings
 // (a preset missing for a channel, on every such note), information and debugging lines would only
 // flood the log.
+// That first synth is kept for the life of the process. FluidSynth starts libinstpatch with every
+// synth and closes it with the last one, and each new start registers its types again without
+// freeing the old ones: a player whose synths all went away on every Stop leaked some ten
+// kilobytes per Start. Held by a static and never deleted, so no exit path can free it under a
+// thread that still renders.
 void prepareFluidSynth() {
     static std::once_flag once;
     std::call_once(once, [] {
@@ -47,9 +52,14 @@ void prepareFluidSynth() {
         fluid_set_log_function(FLUID_WARN, nullptr, nullptr);
         fluid_set_log_function(FLUID_INFO, nullptr, nullptr);
         fluid_set_log_function(FLUID_DBG, nullptr, nullptr);
-        SettingsPtr settings(new_fluid_settings());
-        if (settings)
-            SynthPtr(new_fluid_synth(settings.get()));
+        static fluid_settings_t* settings = new_fluid_settings();
+        if (!settings)
+            return;
+        fluid_settings_setint(settings, "synth.polyphony", 1);
+        fluid_settings_setint(settings, "synth.reverb.active", 0);
+        fluid_settings_setint(settings, "synth.chorus.active", 0);
+        static fluid_synth_t* keeper = new_fluid_synth(settings);
+        (void)keeper;
     });
 }
 
