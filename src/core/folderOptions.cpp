@@ -6,6 +6,7 @@
 #include "playback/audioSetup.h"
 #include "settings/configFile.h"
 #include "util/ascii.h"
+#include "util/log.h"
 
 #include <algorithm>
 
@@ -46,6 +47,7 @@ AddedFolder addMusicFolder(PlayerState& st, const std::string& text) {
         return AddedFolder::AlreadyAdded;
     }
     st.directoryPaths.push_back(text);
+    logOut("Music folder added: %s\n", text.c_str());
     return AddedFolder::Added;
 }
 

@@ -45,8 +45,14 @@ xdotool key Return
 pickerGone() { [ -z "$(window "Browse for Music Folder")" ]; }
 waitUpTo 50 pickerGone || fail "the picker did not take the folder"
 
-xdotool mousemove --window "$folders" 240 102 click 1
-sleep 0.8
+# A click sent while the window is still taking the picker's answer can be lost on a loaded
+# machine; a second one on the emptied box adds nothing, so it is safe to send.
+addDirectory() { xdotool mousemove --window "$folders" 240 102 click 1; }
+added() { grep -q "Music folder added:" "$log"; }
+addDirectory
+waitUpTo 30 added || { addDirectory; waitUpTo 50 added; } || fail "Add Directory added no folder"
+grep -qF "Music folder added: $music" "$log" ||
+    fail "the picker gave another folder: $(grep "Music folder added:" "$log")"
 xdotool mousemove --window "$folders" 335 602 click 1
 drawnNew() { grep -q "Drawn song: $music/Album/tune.mp3" "$log"; }
 waitUpTo 200 drawnNew || fail "Scan drew no song of the new folder"
