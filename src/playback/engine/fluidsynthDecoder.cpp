@@ -34,6 +34,35 @@ void logFluidError(int, const char* message, void*) {
     logOut("fluidsynth: %s\n", message);
 }
 
+// Settings for a synth that nobody plays through a device: no driver is ever created, and the
+// sample data is not pinned to RAM (a desktop player should not lock hundreds of megabytes; the
+// fluidsynth command does the same when it renders to a file). Reverb, chorus, polyphony and
+// interpolation keep FluidSynth's defaults, so a song sounds as the fluidsynth command plays it.
+SettingsPtr makeSettings() {
+    SettingsPtr settings(new_fluid_settings());
+    if (!settings)
+        return nullptr;
+    fluid_settings_setnum(settings.get(), "synth.sample-rate", double(engineRate));
+    fluid_settings_setint(settings.get(), "synth.lock-memory", 0);
+    // A General MIDI font holds some 140 MB of samples, and a song uses a few of its presets:
+    // FluidSynth reads a preset's samples when a channel selects it, on the decode thread,
+    // ahead of what the mixer plays.
+    fluid_settings_setint(settings.get(), "synth.dynamic-sample-loading", 1);
+    fluid_settings_setstr(settings.get(), "player.timing-source", "sample");
+    return settings;
+}
+
+// Settings for a synth that never plays: one voice and no effects keep it small.
+SettingsPtr makeIdleSettings() {
+    SettingsPtr settings = makeSettings();
+    if (settings) {
+        fluid_settings_setint(settings.get(), "synth.polyphony", 1);
+        fluid_settings_setint(settings.get(), "synth.reverb.active", 0);
+        fluid_settings_setint(settings.get(), "synth.chorus.active", 0);
+    }
+    return settings;
+}
+
 // FluidSynth keeps its log handlers process-wide, and builds its shared tables in the first synth
 // made without a lock, so two decode threads opening their first songs could race for them: both
 // are done here, once, before any other FluidSynth object. Its errors stay visible; its warnings
@@ -52,33 +81,10 @@ void prepareFluidSynth() {
         fluid_set_log_function(FLUID_WARN, nullptr, nullptr);
         fluid_set_log_function(FLUID_INFO, nullptr, nullptr);
         fluid_set_log_function(FLUID_DBG, nullptr, nullptr);
-        static fluid_settings_t* settings = new_fluid_settings();
-        if (!settings)
-            return;
-        fluid_settings_setint(settings, "synth.polyphony", 1);
-        fluid_settings_setint(settings, "synth.reverb.active", 0);
-        fluid_settings_setint(settings, "synth.chorus.active", 0);
-        static fluid_synth_t* keeper = new_fluid_synth(settings);
+        static fluid_settings_t* settings = makeIdleSettings().release();
+        static fluid_synth_t* keeper = settings ? new_fluid_synth(settings) : nullptr;
         (void)keeper;
     });
-}
-
-// Settings for a synth that nobody plays through a device: no driver is ever created, and the
-// sample data is not pinned to RAM (a desktop player should not lock hundreds of megabytes; the
-// fluidsynth command does the same when it renders to a file). Reverb, chorus, polyphony and
-// interpolation keep FluidSynth's defaults, so a song sounds as the fluidsynth command plays it.
-SettingsPtr makeSettings() {
-    SettingsPtr settings(new_fluid_settings());
-    if (!settings)
-        return nullptr;
-    fluid_settings_setnum(settings.get(), "synth.sample-rate", double(engineRate));
-    fluid_settings_setint(settings.get(), "synth.lock-memory", 0);
-    // A General MIDI font holds some 140 MB of samples, and a song uses a few of its presets:
-    // FluidSynth reads a preset's samples when a channel selects it, on the decode thread,
-    // ahead of what the mixer plays.
-    fluid_settings_setint(settings.get(), "synth.dynamic-sample-loading", 1);
-    fluid_settings_setstr(settings.get(), "player.timing-source", "sample");
-    return settings;
 }
 
 } // namespace
@@ -369,13 +375,7 @@ SoundFontRef loadHeldFont(const std::string& path, bool& noMemory) {
     std::string fluidName = file ? "/proc/self/fd/" + std::to_string(fileno(file.get())) : name;
     if (!std::filesystem::exists(fluidName, ec)) // no /proc mounted
         fluidName = name;
-    SettingsPtr settings = makeSettings();
-    if (settings) {
-        // The holder never plays: one voice and no effects keep it small.
-        fluid_settings_setint(settings.get(), "synth.polyphony", 1);
-        fluid_settings_setint(settings.get(), "synth.reverb.active", 0);
-        fluid_settings_setint(settings.get(), "synth.chorus.active", 0);
-    }
+    SettingsPtr settings = makeIdleSettings();
     auto font = std::make_shared<SoundFont>(name, std::move(file), std::move(fluidName));
     if (!font->load(std::move(settings), noMemory))
         return nullptr;
